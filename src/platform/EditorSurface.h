@@ -1,0 +1,64 @@
+#pragma once
+// The view that shows a page's document and lets the user type into it. The headless build has
+// none: an HtmlEditor works without a surface, and then formatting commands are not available.
+#include <functional>
+#include <string>
+
+#include "platform/dom/Document.h"
+
+namespace pw {
+
+/** State of an editing command: the numbers are those of QueryStatus. */
+enum class CommandState { NotSupported = 0, Disabled = 1, Enabled = 3, Latched = 7 };
+
+struct KeyPress {
+    int keyCode = 0;  ///< virtual key: 112 is F1, 13 Enter, 16 Shift
+    bool alt = false;
+    bool control = false;
+    bool shift = false;
+};
+
+class EditorSurface {
+  public:
+    virtual ~EditorSurface() = default;
+
+    /** Shows the document, which must outlive the surface or be replaced by another Show. */
+    virtual void Show(dom::Document& document, const std::string& baseUrl) = 0;
+    /** True while the view loads or a batch of the user's changes is due. */
+    virtual bool Busy() const = 0;
+    /** Takes over what is due; returns when the document and the view agree. */
+    virtual void Flush() = 0;
+    /** State of an execCommand at the selection, from the view's last report: no round trip. */
+    virtual CommandState QueryState(const std::string& command) const = 0;
+    /** Value of a command at the selection ("fontName", "fontSize", "formatBlock"). */
+    virtual std::string QueryValue(const std::string& command) const = 0;
+    /** Runs an execCommand in the view; its changes come back as one undo step. */
+    virtual bool Execute(const std::string& command, const std::string& argument) = 0;
+    virtual void SetFocus() = 0;
+    virtual void ScrollIntoView(const dom::Node& element) = 0;
+    virtual void SetGrid(int x, int y) = 0;
+    virtual void SetShowBorders(bool show) = 0;
+    virtual void SetShowTags(bool show) = 0;
+    virtual void SetSnapToGrid(bool snap) = 0;
+    /** Draws the whole view anew from the document. */
+    virtual void Refresh() = 0;
+    /** A JPEG of what is visible, at a path with backslashes. */
+    virtual bool Capture(const std::string& path) = 0;
+
+    struct Events {
+        std::function<void()> loaded;         ///< a Show is complete
+        std::function<void()> changed;        ///< the document or the selection changed
+        std::function<void(dom::Node* hit)> mouseDown;
+        std::function<void()> mouseUp;
+        std::function<void()> mouseOver;
+        std::function<void()> contextMenu;
+        std::function<void(const KeyPress&)> keyUp;
+        std::function<void()> doubleClick;
+        std::function<void()> focused;
+        /** Preview only: a link was clicked. True lets the navigation go on. */
+        std::function<bool(const std::string& href, const std::string& parentHref)> clicked;
+    };
+    Events events;
+};
+
+}  // namespace pw

@@ -1,0 +1,75 @@
+#pragma once
+// Files and folders. Paths are absolute and written with backslashes on every system
+// (\home\ann\site\a.gif); this interface alone translates them. Names are UTF-8 as far as the disk's
+// are. A name that holds a backslash cannot be written so and is not listed.
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace pw {
+
+enum class FileError {
+    None, NotFound, Exists, NoPermission, NoSpace, ReadOnlyDisk, IsFolder, NotFolder, NotEmpty,
+    BadName, IO
+};
+/** A short clause for messages, such as "the disk is full". */
+std::string Describe(FileError error);
+
+struct FileInfo {
+    bool exists = false;
+    bool isFolder = false;
+    bool isLink = false;
+    std::uint64_t size = 0;
+    std::int64_t modified = 0;  ///< nanoseconds since 1970
+};
+
+struct FolderEntry {
+    std::string name;
+    bool isFolder = false;
+    bool isLink = false;
+};
+
+enum class Durability { Lazy, Synced };
+
+class FileSystem {
+  public:
+    virtual ~FileSystem() = default;
+
+    virtual FileInfo Stat(std::string_view path) const = 0;  ///< follows no link
+    [[nodiscard]] virtual FileError Read(std::string_view path, std::string& bytes) const = 0;
+    /** Replaces the file whole or leaves it as it was: writes beside it and renames. */
+    [[nodiscard]] virtual FileError Write(std::string_view path, std::string_view bytes,
+                                          Durability durability = Durability::Lazy) = 0;
+    [[nodiscard]] virtual FileError Append(std::string_view path, std::string_view bytes) = 0;
+    [[nodiscard]] virtual FileError List(std::string_view folder,
+                                         std::vector<FolderEntry>& entries) const = 0;
+    /** Makes it and its parents. */
+    [[nodiscard]] virtual FileError MakeFolder(std::string_view path) = 0;
+    /** Also read-only ones. */
+    [[nodiscard]] virtual FileError RemoveFile(std::string_view path) = 0;
+    /** With all below it; links are removed, not followed. */
+    [[nodiscard]] virtual FileError RemoveFolder(std::string_view path) = 0;
+    /** Fails with Exists where the target exists. */
+    [[nodiscard]] virtual FileError Rename(std::string_view from, std::string_view to) = 0;
+    /** Replaces the target atomically. */
+    [[nodiscard]] virtual FileError Replace(std::string_view from, std::string_view to) = 0;
+    /** Overwrites. Shares the blocks or copies inside the kernel where the disk can. */
+    [[nodiscard]] virtual FileError Copy(std::string_view from, std::string_view to) = 0;
+    /** Copies all below a folder into another, overwriting. Returns the first error but goes on. */
+    [[nodiscard]] virtual FileError CopyTree(std::string_view from, std::string_view to) = 0;
+    [[nodiscard]] virtual FileError Sync(std::string_view path) = 0;  ///< a file or a folder
+    /** Absolute path of an existing file or folder with links and dots resolved, or "". */
+    virtual std::string Canonical(std::string_view path) const = 0;
+};
+
+/** \home\ann to /home/ann, for the calls of the system and its libraries. */
+std::string ToNativePath(std::string_view path);
+/** /home/ann to \home\ann. */
+std::string FromNativePath(std::string_view native);
+
+std::unique_ptr<FileSystem> MakePosixFileSystem();
+
+}  // namespace pw

@@ -1,0 +1,41 @@
+#pragma once
+// A store of keys and values: roots are numbers, keys are paths with backslashes, values are text or
+// 32-bit numbers. Key and value names are compared without regard to case.
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace pw {
+
+constexpr std::uint32_t kUserRoot = 0x80000001;     ///< the user's own, kept on disk
+constexpr std::uint32_t kMachineRoot = 0x80000002;  ///< a read-only table
+
+/** Empty when missing. */
+using HiveValue = std::variant<std::monostate, std::string, std::uint32_t>;
+
+class SettingsHive {
+  public:
+    virtual ~SettingsHive() = default;
+    virtual HiveValue Get(std::uint32_t root, std::string_view key, std::string_view name) const = 0;
+    [[nodiscard]] virtual bool Set(std::uint32_t root, std::string_view key, std::string_view name,
+                                   const HiveValue& value) = 0;
+    [[nodiscard]] virtual bool CreateKey(std::uint32_t root, std::string_view key) = 0;
+    [[nodiscard]] virtual bool DeleteKey(std::uint32_t root, std::string_view key) = 0;
+    [[nodiscard]] virtual bool DeleteValue(std::uint32_t root, std::string_view key,
+                                           std::string_view name) = 0;
+    virtual bool KeyExists(std::uint32_t root, std::string_view key) const = 0;
+    /** Name of the sub-key at an index from 0, "" behind the last. */
+    virtual std::string EnumKey(std::uint32_t root, std::string_view key, int index) const = 0;
+    /** Groups the writes of a scope into one commit. */
+    virtual void Begin() {}
+    virtual void Commit() {}
+};
+
+/** In memory only. Answers the machine root from the same table as the one on disk. */
+std::unique_ptr<SettingsHive> MakeMemoryHive();
+/** In the file at a native path, mode 0600. A damaged file is moved aside and told in `message`. */
+std::unique_ptr<SettingsHive> MakeFileHive(const std::string& nativePath, std::string* message);
+
+}  // namespace pw
