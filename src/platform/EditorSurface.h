@@ -46,8 +46,8 @@ class EditorSurface {
     virtual bool Capture(const std::string& path) = 0;
 
     struct Events {
-        std::function<void()> loaded;         ///< a Show is complete
-        std::function<void()> changed;        ///< the document or the selection changed
+        std::function<void()> loaded;   ///< a Show is complete
+        std::function<void()> changed;  ///< the document or the selection changed
         std::function<void(dom::Node* hit)> mouseDown;
         std::function<void()> mouseUp;
         std::function<void()> mouseOver;

@@ -1,7 +1,7 @@
 #pragma once
 // Files and folders. Paths are absolute and written with backslashes on every system
-// (\home\ann\site\a.gif); this interface alone translates them. Names are UTF-8 as far as the disk's
-// are. A name that holds a backslash cannot be written so and is not listed.
+// (\home\ann\site\a.gif); this interface alone translates them. Names are UTF-8 as far as the
+// disk's are. A name that holds a backslash cannot be written so and is not listed.
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -12,8 +12,17 @@
 namespace pw {
 
 enum class FileError {
-    None, NotFound, Exists, NoPermission, NoSpace, ReadOnlyDisk, IsFolder, NotFolder, NotEmpty,
-    BadName, IO
+    None,
+    NotFound,
+    Exists,
+    NoPermission,
+    NoSpace,
+    ReadOnlyDisk,
+    IsFolder,
+    NotFolder,
+    NotEmpty,
+    BadName,
+    IO
 };
 /** A short clause for messages, such as "the disk is full". */
 std::string Describe(FileError error);

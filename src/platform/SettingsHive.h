@@ -1,6 +1,6 @@
 #pragma once
-// A store of keys and values: roots are numbers, keys are paths with backslashes, values are text or
-// 32-bit numbers. Key and value names are compared without regard to case.
+// A store of keys and values: roots are numbers, keys are paths with backslashes, values are text
+// or 32-bit numbers. Key and value names are compared without regard to case.
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -18,7 +18,8 @@ using HiveValue = std::variant<std::monostate, std::string, std::uint32_t>;
 class SettingsHive {
   public:
     virtual ~SettingsHive() = default;
-    virtual HiveValue Get(std::uint32_t root, std::string_view key, std::string_view name) const = 0;
+    virtual HiveValue Get(std::uint32_t root, std::string_view key,
+                          std::string_view name) const = 0;
     [[nodiscard]] virtual bool Set(std::uint32_t root, std::string_view key, std::string_view name,
                                    const HiveValue& value) = 0;
     [[nodiscard]] virtual bool CreateKey(std::uint32_t root, std::string_view key) = 0;

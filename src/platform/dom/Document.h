@@ -48,13 +48,13 @@ struct Change {
     enum class Kind { InsertNode, RemoveNode, SetAttribute, SetText, ReplaceText, ReplaceSource };
     Kind kind;
     Origin origin;
-    Node* node = nullptr;      ///< the node inserted, removed or changed
-    Node* parent = nullptr;    ///< of an inserted or removed node
-    Node* before = nullptr;    ///< the sibling in front of which it stands or stood; none: last
-    std::string name;          ///< of the attribute
-    std::size_t offset = 0;    ///< of a text replacement
-    std::size_t removed = 0;   ///< bytes removed by a text replacement
-    std::string_view inserted; ///< bytes inserted by a text replacement
+    Node* node = nullptr;       ///< the node inserted, removed or changed
+    Node* parent = nullptr;     ///< of an inserted or removed node
+    Node* before = nullptr;     ///< the sibling in front of which it stands or stood; none: last
+    std::string name;           ///< of the attribute
+    std::size_t offset = 0;     ///< of a text replacement
+    std::size_t removed = 0;    ///< bytes removed by a text replacement
+    std::string_view inserted;  ///< bytes inserted by a text replacement
 };
 
 class DocumentObserver {
@@ -119,14 +119,14 @@ class Document {
     bool isConnected(const Node* node) const { return node && node->connected_; }
     /** All elements of a tag ("!" for comments), in source order, without regard to case. */
     std::vector<Node*> tags(std::string_view name) const;
-    std::vector<Node*> links() const;    ///< A and AREA with href
-    std::vector<Node*> images() const;   ///< IMG
+    std::vector<Node*> links() const;   ///< A and AREA with href
+    std::vector<Node*> images() const;  ///< IMG
     std::vector<Node*> forms() const;
     std::vector<Node*> embeds() const;
     std::vector<Node*> applets() const;
     std::vector<Node*> plugins() const;  ///< as embeds
     std::vector<Node*> scripts() const;
-    std::vector<Node*> frames() const;   ///< FRAME elements only
+    std::vector<Node*> frames() const;  ///< FRAME elements only
     Node* elementById(std::string_view id) const;
     std::string title() const;
 
@@ -146,7 +146,8 @@ class Document {
     /** None removes the attribute. */
     void setAttribute(Node& element, std::string_view name, std::optional<std::string> value);
     void setText(Node& node, std::string_view data);
-    void replaceText(Node& node, std::size_t offset, std::size_t removed, std::string_view inserted);
+    void replaceText(Node& node, std::size_t offset, std::size_t removed,
+                     std::string_view inserted);
     /** Replaces bytes [begin, end) of html() by `text`, for edits that no tree change expresses. */
     [[nodiscard]] bool replaceSource(std::size_t begin, std::size_t end, std::string_view text,
                                      ParseError* error = nullptr);

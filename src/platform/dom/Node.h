@@ -22,7 +22,8 @@ struct Attribute {
     std::string value;  ///< decoded: no character references
 };
 
-/** Half-open range of bytes in the decoded source text; empty when a node has no source of its own. */
+/** Half-open range of bytes in the decoded source text; empty when a node has no source of its own.
+ */
 struct SourceRange {
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -46,9 +47,7 @@ class Node {
 
     Node* parent() const { return parent_; }
     /** The parent when it is an element, else none. */
-    Node* parentElement() const {
-        return parent_ && parent_->isElement() ? parent_ : nullptr;
-    }
+    Node* parentElement() const { return parent_ && parent_->isElement() ? parent_ : nullptr; }
     Node* firstChild() const { return first_; }
     Node* lastChild() const { return last_; }
     Node* previous() const { return previous_; }
@@ -68,8 +67,8 @@ class Node {
 
     const std::vector<Attribute>& attributes() const { return attributes_; }
     bool hasAttribute(std::string_view name) const;
-    /** The attribute as written (decoded), or the table of defaults' answer, or "". Case of the name
-     *  is ignored. Booleans answer "true" or "" by presence. */
+    /** The attribute as written (decoded), or the table of defaults' answer, or "". Case of the
+     * name is ignored. Booleans answer "true" or "" by presence. */
     std::string getAttribute(std::string_view name) const;
     /** The written value alone: none when the attribute is missing. */
     const std::string* attribute(std::string_view name) const;

@@ -28,7 +28,8 @@ class Projection : public DocumentObserver {
 
     enum class Result { Applied, NeedsSnapshot, Malformed };
     /** Applies one batch of the view as one part of an undo step. NeedsSnapshot: an id was unknown
-     *  or a number was missing; ask the view for a full batch, which replaces the body of the tree. */
+     *  or a number was missing; ask the view for a full batch, which replaces the body of the tree.
+     */
     Result applyBatch(std::string_view json);
 
     /** Called when the next outgoing change is ready, at most once until it is taken. */

@@ -12,7 +12,8 @@ class TextRange {
     /** The whole body. */
     explicit TextRange(Document& document);
     TextRange(Document& document, Position start, Position end);
-    /** The document's selection; a control selection gives an empty range in front of the object. */
+    /** The document's selection; a control selection gives an empty range in front of the object.
+     */
     static TextRange fromSelection(Document& document);
 
     Position start() const { return start_; }

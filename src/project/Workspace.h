@@ -1,0 +1,77 @@
+#pragma once
+// What the project's routines need of the program around them: a status line, a progress bar, the
+// open pages, the explorers. The main window implements it; tests and the command line use one
+// without a screen.
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/dom/Document.h"
+
+namespace pw {
+
+class HtmlEditor;
+
+/** A page that stands open in a window. */
+class OpenPage {
+  public:
+    virtual ~OpenPage() = default;
+    virtual const std::string& PageKey() const = 0;
+    /** 1 normal, 2 HTML, 3 preview. */
+    virtual int CurrentViewState() const = 0;
+    virtual void SetToNormalEditMode() = 0;
+    /** Takes over what the user did in whichever view is up, and waits until nothing is due. */
+    virtual void TakeOverEdits() = 0;
+    virtual dom::Document& Document() = 0;
+    /** The cleaned text of the page, as it goes to a file; a masked frameset is still masked. */
+    virtual std::string UpdateHTML() = 0;
+    /** Loads text as if it had been typed in the source view; one undo step. */
+    virtual bool SetHTML(const std::string& html) = 0;
+    virtual const std::string& BaseURL() const = 0;
+    virtual bool IsDirty() = 0;
+    virtual void MarkClean() = 0;
+    /** Writes a picture of the visible page as JPEG; false when it could not. */
+    virtual bool Capture(const std::string& path) = 0;
+    /** Shows the page's title and file name in its caption. */
+    virtual void RefreshCaption() = 0;
+    virtual void CloseWindow() = 0;  ///< writes the page to the scratch area first
+};
+
+class Workspace {
+  public:
+    virtual ~Workspace() = default;
+
+    // Status.
+    virtual void ShowStatus(const std::string& text) = 0;
+    /** The resting text of the status bar. */
+    void ResetStatus() { ShowStatus("For Help, press F1"); }
+    virtual void ShowProgress(bool visible) = 0;
+    virtual void SetProgress(int value) = 0;
+    virtual void ShowBusyPointer(bool busy) = 0;
+
+    // Open pages.
+    virtual std::vector<OpenPage*> OpenPages() = 0;
+    virtual OpenPage* FindOpenPage(const std::string& key) = 0;
+    virtual std::string CurrentPageKey() const = 0;
+    virtual void ShowPage(const std::string& key, const std::string& title,
+                          const std::string& filename, int pageType) = 0;
+    /** Without asking; each page is written to the scratch area unless `discard`. */
+    virtual void CloseAllPages(bool discard) = 0;
+
+    // Explorers and the state of the tools.
+    virtual std::string SelectedProjectNode() const = 0;
+    virtual void SelectProjectNode(const std::string& key) = 0;
+    virtual void RefillProjectExplorer() = 0;
+    virtual void UpdatePageExplorer(const std::string& key) = 0;
+    virtual void RefreshTasks() = 0;
+    virtual void ResetUI() = 0;
+    virtual void RefreshCaption() = 0;  ///< of the main window
+    /** True while the main window is the one in front and not minimised. */
+    virtual bool IsForeground() const = 0;
+    /** The font tools show these, and commands 402 and 403 are fired. */
+    virtual void ApplyDefaultFont(const std::string& font, int size) = 0;
+    /** Size in the status bar to zero, auto-save counter to "0", explorers and clipboard empty. */
+    virtual void ResetForNewProject() = 0;
+};
+
+}  // namespace pw
