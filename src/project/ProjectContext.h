@@ -1,0 +1,25 @@
+#pragma once
+// What the routines of the project floor work on. They are free functions in namespace pw that take
+// this by reference; the error log knows them under "ProjectFunctions.".
+#include <string>
+
+namespace pw {
+
+struct FrameContext;
+class Project;
+class Workspace;
+
+struct ProjectContext {
+    FrameContext& frame;   ///< settings, files, clock, dialogs, error log
+    Project& project;      ///< the one project of the program
+    Workspace& workspace;  ///< status line, open pages, explorers
+
+    /** Pages cut or copied in the project explorer: the program's own clipboard. */
+    struct CopiedPage {
+        std::string file;   ///< path of a copy that stays until the next one is taken
+        std::string title;
+        bool empty() const { return file.empty(); }
+    } copiedPage;
+};
+
+}  // namespace pw
