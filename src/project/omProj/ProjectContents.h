@@ -1,0 +1,20 @@
+#pragma once
+// What stands behind a project's references; exchanged whole when a project is loaded or cleared.
+#include "project/omProj/Project.h"
+
+namespace pw {
+
+struct Project::Contents {
+    explicit Contents(Project& owner) { tree.project = &owner; }
+
+    TreeContext tree;
+    pw::WebSites webSites{tree};
+    pw::Attachments attachments{""};
+    pw::MergeVariables mergeVariables;
+    pw::Tasks tasks;
+    pw::PublishHistory publishHistory;
+    AddInRecords addIns;
+    std::unique_ptr<Page> defaultTemplate;
+};
+
+}  // namespace pw
