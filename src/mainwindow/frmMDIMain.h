@@ -1,0 +1,108 @@
+#pragma once
+// The main window without its screen: the command bar, the explorers, the status bar, and what the
+// lower floors ask of the program around them. The skin binds its widgets to the controls by name.
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "frame/MainWindowLayout.h"
+#include "mainwindow/Context.h"
+#include "mainwindow/Surfaces.h"
+#include "platform/controls/CommandBar.h"
+#include "platform/controls/Controls.h"
+#include "project/ProjectContext.h"
+#include "project/Workspace.h"
+
+namespace pw {
+
+class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayout {
+  public:
+    /** All three must outlive it. */
+    frmMDIMain(FrameContext& frame, Project& project, MainWindowSurface& surface);
+    ~frmMDIMain() override;
+
+    // --- What is seen -------------------------------------------------------------------------
+    CommandBar barMain;
+    Frame picExplorers{this, "picExplorers"};  ///< hidden with the last explorer
+    Frame picProjectExplorer{this, "picProjectExplorer"};
+    TreeView tvwProjectExplorer{this, "tvwProjectExplorer"};
+    Frame picPageExplorer{this, "picPageExplorer"};
+    TreeView tvwPageExplorer{this, "tvwPageExplorer"};
+    Frame picTaskExplorer{this, "picTaskExplorer"};
+    ListView lvwTasks{this, "lvwTasks"};
+    /** 0: status text, 1: connection, 2: download time. `tag` is the number of the picture. */
+    ControlArray<Label, 3> sbrMain{this, "sbrMain"};
+    ProgressBar prgProgress{this, "prgProgress"};  ///< a panel of the status bar, hidden at rest
+
+    const std::string& Caption() const { return caption_; }
+    MainWindowSurface& Surface() { return surface_; }
+    MainContext& Context() { return context_; }
+    ProjectContext& ProjectState() { return project_; }
+
+    // --- What the user does beside the commands -------------------------------------------------
+    /** Presses the close box of an explorer; `tool` is 209, 210 or 211. */
+    void picExplorer_Closed(int tool);
+    /** The keyboard is in another pane now: the Edit commands follow. */
+    void PaneFocused(Pane pane);
+    /** Opens the menu of connection speeds. */
+    void sbrMain_PanelClick(int panel);
+
+    // --- Start and end --------------------------------------------------------------------------
+    /** Builds menus and toolbars and hides the progress panel. */
+    void BuildBars();
+    /** Asks to save; false keeps the program open. Decides nothing else. */
+    bool Form_QueryUnload();
+
+    // --- Workspace --------------------------------------------------------------------------
+    void ShowStatus(const std::string& text) override;
+    void ShowProgress(bool visible) override;
+    void SetProgress(int value) override;
+    void ShowBusyPointer(bool busy) override;
+    std::vector<OpenPage*> OpenPages() override;
+    OpenPage* FindOpenPage(const std::string& key) override;
+    std::string CurrentPageKey() const override { return context_.CurrentPageKey; }
+    void ShowPage(const std::string& key, const std::string& title, const std::string& filename,
+                  int pageType) override;
+    void CloseAllPages(bool discard) override;
+    std::string SelectedProjectNode() const override { return tvwProjectExplorer.SelectedKey(); }
+    void SelectProjectNode(const std::string& key) override;
+    void RefillProjectExplorer() override;
+    void UpdatePageExplorer(const std::string& key) override;
+    void RefreshTasks() override;
+    void ResetUI() override;
+    void RefreshCaption() override;
+    bool IsForeground() const override;
+    void ApplyDefaultFont(const std::string& font, int size) override;
+    void ResetForNewProject() override;
+
+    // --- MainWindowLayout ---------------------------------------------------------------------
+    WindowState State() const override;
+    void Maximise() override { surface_.Maximise(); }
+    TwipRect Geometry() const override;
+    void SetGeometry(const TwipRect& geometry) override;
+    TwipRect Screen() const override;
+    bool IsExplorerShown(int tool) const override;
+    void ShowExplorer(int tool, Visibility visibility) override;
+    bool IsToolbarVisible(const std::string& name) const override;
+    void ShowToolbar(const std::string& name, Visibility visibility) override;
+    void ShowStandardToolbars(int skillLevel) override;
+
+    // --- For the page windows -------------------------------------------------------------------
+    /** Keeps a closed page window until the event that closed it is over. */
+    void Bury(std::unique_ptr<frmDocument> document);
+    /** Count of minutes since the last automatic save, as a decimal text. */
+    std::string autoSaveTag = "0";
+
+  private:
+    void Connect();
+
+    FrameContext& frame_;
+    MainWindowSurface& surface_;
+    ProjectContext project_;
+    MainContext context_;
+    std::string caption_;
+    /** Weakly held by the task that empties it, which can outlive the window. */
+    std::shared_ptr<std::vector<std::unique_ptr<frmDocument>>> buried_;
+};
+
+}  // namespace pw
