@@ -16,7 +16,7 @@ struct ProjectContext {
 
     /** Pages cut or copied in the project explorer: the program's own clipboard. */
     struct CopiedPage {
-        std::string file;   ///< path of a copy that stays until the next one is taken
+        std::string file;  ///< path of a copy that stays until the next one is taken
         std::string title;
         bool empty() const { return file.empty(); }
     } copiedPage;

@@ -1,0 +1,31 @@
+#pragma once
+// The list of files that each page carries. It is rebuilt from the page's document whenever the
+// page's data are saved, so that it follows what the page refers to.
+#include <string>
+#include <string_view>
+
+#include "platform/dom/Document.h"
+#include "project/ProjectContext.h"
+
+namespace pw {
+
+class Attachment;
+class Page;
+
+/**
+ * Adds a file to a page as in use, which survives every scan. A file outside the project's folder
+ * is copied into the page's `media` folder first. None when the file is missing.
+ */
+Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page);
+
+/** Rescans a page. References in the document are relative to `baseURL`. */
+void SaveAttachments(ProjectContext& context, const dom::Document& document,
+                     std::string_view baseURL, Page& page);
+
+/** Copies the page's media into the `media` folder in `folder`; false when some could not be. */
+bool CopyAttachmentsTo(ProjectContext& context, const Page& page, std::string_view folder);
+
+/** Removes the project's own attachments of a state. */
+void RemoveProjectAttachmentsOfType(ProjectContext& context, int state);
+
+}  // namespace pw

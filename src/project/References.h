@@ -1,0 +1,54 @@
+#pragma once
+// The values of href, src and the like: which of them are local, which file they mean, and how a
+// reference to a file is written.
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/FileSystem.h"
+
+namespace pw {
+
+/** A reference taken apart: "b.html?x=1#top" is "b.html" and "?x=1#top". */
+struct SplitReference {
+    std::string path;
+    std::string suffix;
+};
+SplitReference SplitSuffix(std::string_view value);
+
+/** True for a value that means a file: not empty, no mere fragment, no address of the web, no
+ *  "data:", "mailto:" or "javascript:". */
+bool IsLocalReference(std::string_view value);
+
+/** An absolute path with "." and ".." resolved and single separators, without asking the disk. */
+std::string NormalizePath(std::string_view path);
+
+/** The path that a local reference means when it stands in a page of that folder. Nothing is
+ *  decoded and nothing is cut off. */
+std::string JoinReference(std::string_view folder, std::string_view value);
+
+/** The paths that a local reference can mean, most literal first: as written, percent-decoded, each
+ *  with and without query and fragment. `suffix` is what has been cut off. */
+struct ReferenceCandidate {
+    std::string path;
+    std::string suffix;
+};
+std::vector<ReferenceCandidate> ReferenceCandidates(std::string_view folder,
+                                                    std::string_view value);
+
+/** The first candidate that is a file on disk, looked for from each of the folders in turn. */
+std::optional<ReferenceCandidate> FindReferencedFile(const FileSystem& files,
+                                                     const std::vector<std::string>& folders,
+                                                     std::string_view value);
+
+/** Escapes what must not stand raw in a link; letters beyond ASCII stay. */
+std::string EncodeLink(std::string_view path);
+
+/** Shortest link from a page in `folder` to `file`, escaped; both are paths on disk. */
+std::string RelativeLink(std::string_view folder, std::string_view file);
+
+/** True for a file whose name says that it is an HTML page. */
+bool IsPageFilename(std::string_view name);
+
+}  // namespace pw
