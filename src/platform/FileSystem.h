@@ -49,7 +49,10 @@ class FileSystem {
 
     virtual FileInfo Stat(std::string_view path) const = 0;  ///< follows no link
     [[nodiscard]] virtual FileError Read(std::string_view path, std::string& bytes) const = 0;
-    /** Replaces the file whole or leaves it as it was: writes beside it and renames. */
+    /**
+     * Replaces the file whole or leaves it as it was: writes beside it and renames. Where a link
+     * stands, the link is replaced and what it leads to is left alone.
+     */
     [[nodiscard]] virtual FileError Write(std::string_view path, std::string_view bytes,
                                           Durability durability = Durability::Lazy) = 0;
     [[nodiscard]] virtual FileError Append(std::string_view path, std::string_view bytes) = 0;
@@ -61,13 +64,16 @@ class FileSystem {
     [[nodiscard]] virtual FileError RemoveFile(std::string_view path) = 0;
     /** With all below it; links are removed, not followed. */
     [[nodiscard]] virtual FileError RemoveFolder(std::string_view path) = 0;
-    /** Fails with Exists where the target exists. */
+    /** Fails with Exists where the target exists, in whatever letter case. */
     [[nodiscard]] virtual FileError Rename(std::string_view from, std::string_view to) = 0;
     /** Replaces the target atomically. */
     [[nodiscard]] virtual FileError Replace(std::string_view from, std::string_view to) = 0;
     /** Overwrites. Shares the blocks or copies inside the kernel where the disk can. */
     [[nodiscard]] virtual FileError Copy(std::string_view from, std::string_view to) = 0;
-    /** Copies all below a folder into another, overwriting. Returns the first error but goes on. */
+    /**
+     * Copies all below a folder into another, overwriting. Returns the first error but goes on. A
+     * link to a file is copied as that file; a link to a folder is left out and gives IsFolder.
+     */
     [[nodiscard]] virtual FileError CopyTree(std::string_view from, std::string_view to) = 0;
     [[nodiscard]] virtual FileError Sync(std::string_view path) = 0;  ///< a file or a folder
     /** Absolute path of an existing file or folder with links and dots resolved, or "". */
@@ -78,6 +84,12 @@ class FileSystem {
 std::string ToNativePath(std::string_view path);
 /** /home/ann to \home\ann. */
 std::string FromNativePath(std::string_view native);
+
+/**
+ * A path as the user typed it to a shell, relative to the current folder perhaps, as a path of the
+ * program. "" for one that holds a backslash, which no path of the program can tell.
+ */
+std::string FromNativeArgument(const std::string& argument);
 
 std::unique_ptr<FileSystem> MakePosixFileSystem();
 

@@ -34,9 +34,19 @@ class SettingsHive {
     virtual void Commit() {}
 };
 
+/** What the machine's root knows. */
+struct MachineTable {
+    std::string engineVersion = "5.0";  ///< of the page engine; "" when there is none
+    std::string browserPath;            ///< the desktop's browser; "" asks the system
+};
+
 /** In memory only. Answers the machine root from the same table as the one on disk. */
-std::unique_ptr<SettingsHive> MakeMemoryHive();
-/** In the file at a native path, mode 0600. A damaged file is moved aside and told in `message`. */
-std::unique_ptr<SettingsHive> MakeFileHive(const std::string& nativePath, std::string* message);
+std::unique_ptr<SettingsHive> MakeMemoryHive(const MachineTable& machine = {});
+/**
+ * In the file at a native path, mode 0600. A damaged file is moved aside; a file that cannot be
+ * used at all is replaced by a hive in memory. Both are told in `message`, which may be null.
+ */
+std::unique_ptr<SettingsHive> MakeFileHive(const std::string& nativePath, std::string* message,
+                                           const MachineTable& machine = {});
 
 }  // namespace pw

@@ -1,7 +1,9 @@
 #pragma once
 // Facts about the machine, the user, the time and the places of the program.
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace pw {
 
@@ -16,6 +18,22 @@ class Clock {
 };
 std::unique_ptr<Clock> MakeSystemClock();
 
+/** What an error report tells about the machine. */
+struct MachineFacts {
+    std::string processor;       ///< family, such as "x86_64"
+    std::string processorModel;  ///< as the maker calls it, or ""
+    int processors = 1;
+    std::uint64_t pageSize = 0;
+    std::uint64_t lowestAddress = 0;
+    std::uint64_t highestAddress = 0;
+    std::uint64_t diskFree = 0;  ///< bytes, on the disk of the user's home
+};
+
+struct EnvironmentFact {
+    std::string name;
+    std::string value;
+};
+
 class SystemInfo {
   public:
     virtual ~SystemInfo() = default;
@@ -23,6 +41,9 @@ class SystemInfo {
     virtual std::string UserName() const = 0;  ///< login name
     virtual std::string OSName() const = 0;    ///< kernel name, version
     virtual bool IsOnline() const = 0;         ///< some interface but loopback is up
+    virtual MachineFacts Machine() const = 0;
+    /** What of the environment helps to understand a failure; nothing private. */
+    virtual std::vector<EnvironmentFact> EnvironmentFacts() const = 0;
 };
 std::unique_ptr<SystemInfo> MakeSystemInfo();
 
@@ -33,16 +54,24 @@ struct Places {
     std::string dataFolder;       ///< what the user owns: projects, templates, themes …
     std::string temporaryFolder;  ///< private to the user; run folders lie in it
     std::string documentsFolder;  ///< where file dialogs begin
+    /** For locks among all programs of the user: the one place that a profile does not move. */
+    std::string lockFolder;
 };
 /** `profile` is a native path or "". Makes the user folders, private ones with mode 0700. */
 Places FindPlaces(const std::string& profile);
 
-/** Starts a program with arguments, detached; false when it cannot be started. */
+/** Starts programs of the desktop, which run on by themselves. */
 class Launcher {
   public:
     virtual ~Launcher() = default;
+    /**
+     * `program` is a path with backslashes or a name to be looked for in PATH; an argument that
+     * begins with a backslash is a path too. False when it cannot be started.
+     */
     virtual bool Start(const std::string& program, const std::string& argument) = 0;
+    /** By the desktop's own choice of program. False for anything but an address with a scheme. */
     virtual bool OpenUrl(const std::string& url) = 0;
 };
+std::unique_ptr<Launcher> MakeLauncher();
 
 }  // namespace pw

@@ -1,0 +1,20 @@
+#pragma once
+#include <string>
+#include <string_view>
+
+namespace pw {
+
+/** Replaces every character that is not welcome in the name of a file of a site. */
+std::string ReplaceIllegalChars(std::string_view text, std::string_view replacement);
+/** Of a key's character code: letters, digits, "-", "_", backspace and Enter. */
+bool IsAlphanumericKey(int code);
+/** False for the characters that no file name may hold. */
+bool IsFilenameKey(int code);
+int CountChars(char character, std::string_view text);
+/** Drops ".", "&" and ":", which captions of commands carry. */
+std::string RemoveMenuMarks(std::string_view text);
+int CountWords(std::string_view text);
+/** What stands behind the first "//", or the whole text. */
+std::string StripDoubleSlashes(std::string_view url);
+
+}  // namespace pw
