@@ -1,0 +1,292 @@
+#include "project/Pages.h"
+
+#include <set>
+#include <utility>
+
+#include "frame/Context.h"
+#include "frame/FunctionLibrary.h"
+#include "platform/Text.h"
+#include "platform/dom/TextRange.h"
+#include "project/FramesetMask.h"
+#include "project/Paths.h"
+#include "project/References.h"
+#include "project/Workspace.h"
+
+namespace pw {
+
+namespace {
+
+constexpr std::string_view kModule = "ProjectFunctions.";
+
+char LetterOfBlock(std::string_view block) { return block.empty() ? '\0' : block.front(); }
+
+/** The letter of the last block of a key. */
+char KindOfKey(std::string_view key) {
+    return key.size() >= kBlockWidth ? key[key.size() - kBlockWidth] : '\0';
+}
+
+std::string_view ParentKey(std::string_view key) {
+    return key.substr(0, key.size() < kBlockWidth ? 0 : key.size() - kBlockWidth);
+}
+
+/** The item of a block below another item; none when it has no such item. */
+ProjectItem Descend(const ProjectContext& context, const ProjectItem& parent, bool isTop,
+                    std::string_view block) {
+    ProjectItem child;
+    switch (LetterOfBlock(block)) {
+        case 'W':
+            if (isTop) child.site = context.project.WebSites().Item(block);
+            break;
+        case 'F':
+            if (parent.folder) child.folder = parent.folder->Sections().Item(block);
+            if (parent.site) child.folder = parent.site->Sections().Item(block);
+            break;
+        case 'P':
+            if (parent.folder) child.page = parent.folder->Pages().Item(block);
+            if (parent.site) child.page = parent.site->Pages().Item(block);
+            break;
+        case 'A':
+            if (parent.page) child.attachment = parent.page->Attachments().Item(block);
+            if (isTop) child.attachment = context.project.Attachments().Item(block);
+            break;
+        default: break;
+    }
+    return child;
+}
+
+std::unique_ptr<dom::Document> ParsePageFile(const ProjectContext& context,
+                                             const std::string& path) {
+    std::string bytes;
+    if (context.frame.files.Read(path, bytes) != FileError::None) return nullptr;
+    return dom::Document::parse(bytes);
+}
+
+void CloseWindowOf(ProjectContext& context, const std::string& key) {
+    if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
+}
+
+void RemovePagesAndFolders(ProjectContext& context, Folder& folder) {
+    while (folder.Pages().Count() > 0) {
+        const std::string key = folder.Pages().Item(1)->Key();
+        CloseWindowOf(context, key);
+        folder.Pages().Remove(1);
+    }
+    while (folder.Sections().Count() > 0) {
+        RemovePagesAndFolders(context, *folder.Sections().Item(1));
+        folder.Sections().Remove(1);
+    }
+}
+
+void CloseWindowsBelow(ProjectContext& context, std::string_view key) {
+    // Closing a window changes the list of them.
+    std::vector<std::string> keys;
+    for (OpenPage* open : context.workspace.OpenPages())
+        if (open->PageKey().starts_with(key)) keys.push_back(open->PageKey());
+    for (const auto& open : keys)
+        CloseWindowOf(context, open);
+}
+
+void Keep(RemovedItem* removed, RemovedItem item) {
+    if (removed) *removed = std::move(item);
+}
+
+}  // namespace
+
+ProjectItem GetProjectItem(const ProjectContext& context, std::string_view key) {
+    ProjectItem item;
+    for (bool isTop = true; !key.empty(); isTop = false) {
+        item = Descend(context, item, isTop, key.substr(0, kBlockWidth));
+        if (!item) break;
+        key.remove_prefix(std::min<std::size_t>(kBlockWidth, key.size()));
+    }
+    return item;
+}
+
+Folder* GetFolder(const ProjectContext& context, std::string_view key) {
+    if (KindOfKey(key) == 'A') key = ParentKey(key);
+    if (KindOfKey(key) == 'P') key = ParentKey(key);
+    return key.size() > kBlockWidth ? GetProjectItem(context, key).folder : nullptr;
+}
+
+WebSite* GetWebSite(const ProjectContext& context, std::string_view key) {
+    return GetProjectItem(context, key.substr(0, kBlockWidth)).site;
+}
+
+Page* GetPage(const ProjectContext& context, std::string_view key) {
+    return GetProjectItem(context, key).page;
+}
+
+Page* GetDefaultPage(const ProjectContext& context, std::string_view key) {
+    const Folder* folder = GetFolder(context, key);
+    const WebSite* site = GetWebSite(context, key);
+    if (!folder && !site) return nullptr;
+    for (Page& page : folder ? folder->Pages() : site->Pages())
+        if (page.IsDefault) return &page;
+    return nullptr;
+}
+
+void SetDefaultPage(const ProjectContext& context, Page& page) {
+    const ProjectItem parent = GetProjectItem(context, page.ParentFolderKey());
+    if (!parent.folder && !parent.site) return;
+    for (Page& sibling : parent.folder ? parent.folder->Pages() : parent.site->Pages())
+        sibling.IsDefault = false;
+    page.IsDefault = true;
+}
+
+Container GetContainer(const ProjectContext& context, std::string_view key) {
+    if (Folder* folder = GetFolder(context, key)) return Container(*folder);
+    WebSite* site = GetWebSite(context, key);
+    if (!site) site = context.project.WebSites().Item(1);
+    return site ? Container(*site) : Container();
+}
+
+bool RemoveProjectItem(ProjectContext& context, std::string_view keyGiven, RemovedItem* removed) {
+    // The key may be a member of what goes.
+    const std::string key(keyGiven);
+    return Trap(context.frame.errorLog, kModule, "RemoveProjectItem", false, [&] {
+        const ProjectItem item = GetProjectItem(context, key);
+        const ProjectItem parent = GetProjectItem(context, ParentKey(key));
+        RemovedItem out;
+        if (item.page) {
+            CloseWindowOf(context, key);
+            out.page = (parent.folder ? parent.folder->Pages() : parent.site->Pages()).Remove(key);
+        } else if (item.folder) {
+            CloseWindowsBelow(context, key);
+            // Who wants the folder back wants it whole.
+            if (!removed) RemovePagesAndFolders(context, *item.folder);
+            auto& siblings = parent.folder ? parent.folder->Sections() : parent.site->Sections();
+            out.folder = siblings.Remove(key);
+        } else if (item.site) {
+            CloseWindowsBelow(context, key);
+            out.site = context.project.WebSites().Remove(key);
+        } else {
+            return false;
+        }
+        Keep(removed, std::move(out));
+        context.project.IsDirty = true;
+        return true;
+    });
+}
+
+std::string CurrentAuthor(const ProjectContext& context) {
+    return GetComputerName(context.frame.system) + "\\" + GetUserName(context.frame.system);
+}
+
+void ComputePageStatistics(ProjectContext& context, dom::Document* document, Page* page) {
+    if (!document || !page) return;
+    Trap(context.frame.errorLog, kModule, "ComputePageStatistics", [&] {
+        const std::string text = dom::TextRange(*document).text();
+        page->Modified = context.frame.clock.Now();
+        page->ModifiedBy = CurrentAuthor(context);
+        page->TotalSize = DocumentSize(context, *document, GetParentFolder(page->Filename));
+        page->TextLength = int(Utf16Length(text));
+        page->WordCount = CountWords(text);
+        page->Embeds = int(document->embeds().size());
+        page->FormsCount = int(document->forms().size());
+        page->Images = int(document->images().size());
+        page->Applets = int(document->applets().size());
+        page->Plugins = int(document->plugins().size());
+        page->Scripts = int(document->scripts().size());
+        page->ReadOnlyFlag = false;
+    });
+}
+
+std::int64_t DocumentSize(const ProjectContext& context, const dom::Document& document,
+                          const std::string& folder) {
+    const FileSystem& files = context.frame.files;
+    std::int64_t size = std::int64_t(document.html().size());
+    if (!document.frames().empty()) return size;
+    const auto add = [&](const std::string& reference) {
+        const std::string path = ResolvePath(context, reference, folder);
+        if (!path.empty()) size += GetFileSize(files, path);
+    };
+    if (const dom::Node* body = document.body()) add(body->getAttribute("background"));
+    std::set<std::string> seen;
+    for (const dom::Node* image : document.images()) {
+        const std::string source = image->getAttribute("src");
+        if (seen.insert(FoldCase(source)).second) add(source);
+    }
+    return size;
+}
+
+std::int64_t CalculatePageSize(ProjectContext& context, std::string_view key) {
+    return Trap(context.frame.errorLog, kModule, "CalculatePageSize", std::int64_t{0}, [&] {
+        OpenPage* open = key.empty() ? nullptr : context.workspace.FindOpenPage(std::string(key));
+        if (!open) return std::int64_t{0};
+        open->TakeOverEdits();
+        return DocumentSize(context, open->Document(), open->BaseURL());
+    });
+}
+
+std::string GetPageText(ProjectContext& context, std::string_view key) {
+    return Trap(context.frame.errorLog, "UIFunctions.", "GetPageText", std::string(), [&] {
+        OpenPage* open = key.empty() ? nullptr : context.workspace.FindOpenPage(std::string(key));
+        return open ? dom::TextRange(open->Document()).text() : std::string();
+    });
+}
+
+bool SavePageFile(ProjectContext& context, Page& page, std::string* reason) {
+    return Trap(context.frame.errorLog, kModule, "SavePageFile", false, [&] {
+        const auto fail = [&](const std::string& why) {
+            if (reason) *reason = "Page '" + page.Name + "' can not be saved: " + why + ".";
+            return false;
+        };
+        OpenPage* open = context.workspace.FindOpenPage(page.Key());
+        if (!open) return fail("it is not open");
+        FileSystem& files = context.frame.files;
+        if (page.Filename.empty()) {
+            const std::string& folder = context.frame.settings.PreviewFolder;
+            const int number = GetUniqueFilename(files, "page_", "htm", folder);
+            page.Filename = BuildPath(folder, "page_" + std::to_string(number) + ".htm");
+        }
+        open->TakeOverEdits();
+        const dom::Document& document = open->Document();
+        const std::string bytes =
+            page.PageType == PageType::Frames
+                ? dom::encode(UncommentFrameset(document.html()), document.encoding())
+                : document.bytes();
+        const FileError error = files.Write(page.Filename, bytes);
+        return error == FileError::None ? true : fail(Describe(error));
+    });
+}
+
+int GetUniqueFilename(const FileSystem& files, std::string_view prefix, std::string_view extension,
+                      std::string_view folder) {
+    // A folder that cannot be listed holds no file that could be in the way.
+    std::vector<FolderEntry> entries;
+    if (files.List(folder, entries) != FileError::None) entries.clear();
+    std::set<std::string> names;
+    for (const auto& entry : entries)
+        names.insert(FoldCase(entry.name));
+    int number = 1;
+    while (names.count(FoldCase(std::string(prefix) + std::to_string(number) + "." +
+                                std::string(extension))))
+        ++number;
+    return number;
+}
+
+bool InsertHTMLAtBottom(ProjectContext& context, std::string_view key, std::string_view html) {
+    return Trap(context.frame.errorLog, "UIFunctions.", "InsertHTMLAtBottom", false, [&] {
+        Page* page = GetPage(context, key);
+        if (!page) return false;
+        OpenPage* open = context.workspace.FindOpenPage(page->Key());
+        std::unique_ptr<dom::Document> closed;
+        if (open) {
+            open->TakeOverEdits();
+        } else {
+            closed = ParsePageFile(context, page->Filename);
+        }
+        dom::Document* document = open ? &open->Document() : closed.get();
+        if (!document || !document->body()) return false;
+        {
+            const dom::Document::Step step(*document);
+            document->insertAdjacentHTML(*document->body(), "beforeEnd", html);
+        }
+        context.project.IsDirty = true;
+        page->IsDirty = true;
+        if (open) return SavePageFile(context, *page);
+        return context.frame.files.Write(page->Filename, document->bytes()) == FileError::None;
+    });
+}
+
+}  // namespace pw
