@@ -16,7 +16,9 @@ constexpr std::string_view kNoframesTags[] = {"<noframes>", "</noframes>"};
 
 constexpr auto npos = std::string_view::npos;
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
+}
 
 /** True when `mark`, which is in lower case, stands at that place. Markup is ASCII. */
 bool StandsAt(std::string_view text, std::string_view mark, std::size_t at) {

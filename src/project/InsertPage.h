@@ -14,6 +14,15 @@ class MediaPuller;
 enum class ShowInsertedPage { No, Yes };
 enum class ApplyDefaultFont { No, Yes };
 
+/** What those who rewrite links get to see. */
+struct PageBeingInserted {
+    dom::Document& document;
+    dom::Node& scope;                 ///< links below this are to be rewritten
+    Page& page;                       ///< may be given attachments
+    const std::string& sourceFolder;  ///< what references are relative to
+    const std::string& targetFolder;  ///< where the new file will lie
+};
+
 struct InsertPageRequest {
     std::string sourceFile;
     Container folder;  ///< where to; neither: the first site
@@ -27,10 +36,9 @@ struct InsertPageRequest {
     std::string baseFolder;
     /** Name of the new file, chosen by the caller among the free ones; "" chooses here. */
     std::string fileName;
-    /** Rewrites what the media pulling leaves alone; `targetFolder` is the new page's folder. May
-     *  add files to the page's attachments. */
-    std::function<void(dom::Document& document, Page& page, const std::string& targetFolder)>
-        rewriteLinks;
+    /** Rewrites what the media pulling leaves alone. Called once for a page, and twice for a frame
+     *  page: for its frames, and for the text that stands in their place where there are none. */
+    std::function<void(const PageBeingInserted&)> rewriteLinks;
     MediaPuller* media = nullptr;  ///< shared, so that no picture is looked at twice
 };
 
@@ -42,14 +50,8 @@ struct InsertPageRequest {
 Page* InsertPage(ProjectContext& context, const InsertPageRequest& request,
                  std::string* reason = nullptr);
 
-/** The free name, without its extension, for the file of a page that comes from `sourceFile`. */
+/** The free name for the file of a page that comes from `sourceFile`. */
 std::string ChoosePageName(const ProjectContext& context, const std::string& sourceFile,
                            bool isDefault, const std::function<bool(const std::string&)>& isTaken);
-
-/** Cut, copy and paste of pages in the project explorer. */
-bool CopyPage(ProjectContext& context, std::string_view key);
-bool CutPage(ProjectContext& context, std::string_view key);
-/** Into the folder or site at the key, or that the page at the key lies in. */
-Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string* reason = nullptr);
 
 }  // namespace pw

@@ -1,9 +1,6 @@
 #pragma once
 // Brings the files that a page refers to into the `media` folder beside it, under names that are
 // good in links.
-#include <functional>
-#include <map>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -13,8 +10,6 @@
 #include "project/ProjectContext.h"
 
 namespace pw {
-
-class Page;
 
 /**
  * Pulls media for one page or for many. It remembers what it has copied, so one object serves a
@@ -29,43 +24,57 @@ class MediaPuller {
      * "media/<name>". Only local references change. Those to a missing picture or background are
      * rewritten all the same; other references to missing files stay. Returns the paths of the
      * files in the media folder, with those that pulled style sheets need in their turn.
-     * `sourceFolders` are what references are relative to, the first that has the file counts.
+     * References are relative to `sourceFolders`; the first in which the file is found counts.
      */
     std::vector<std::string> Pull(dom::Document& document,
                                   const std::vector<std::string>& sourceFolders,
                                   const std::string& targetFolder);
 
-    /** Copies one file; returns its path in the media folder, "" when it could not be copied.
-     *  `also` gets the files that a style sheet brings with it. */
-    std::string PullFile(const std::string& file, const std::string& targetFolder,
-                         std::vector<std::string>* also = nullptr);
+    /** Copies one file, a style sheet with all that it needs. Returns their paths in the media
+     *  folder, the file itself first; nothing when it could not be copied. */
+    std::vector<std::string> PullFile(const std::string& file, const std::string& targetFolder);
 
   private:
     struct MediaFolder {
-        bool listed = false;
-        std::unordered_map<std::string, std::string> names;               ///< folded to written
-        std::unordered_map<std::string, std::string> pulled;              ///< source path to name
-        std::unordered_map<std::string, std::vector<std::string>> needs;  ///< of a style sheet
+        std::string path;
+        std::unordered_map<std::string, std::string> names;   ///< folded to as written
+        std::unordered_map<std::string, std::string> pulled;  ///< path of the source to name
+        std::unordered_map<std::string, std::vector<std::string>> needs;  ///< of style sheets
+        /** Style sheets whose text is being made, with the name that they will have. */
+        std::unordered_map<std::string, std::string> inTheMaking;
     };
-    struct Names;
+    struct Task;
 
-    MediaFolder& FolderAt(const std::string& mediaFolder);
-    std::string Place(const std::string& file, const std::string& mediaFolder, int depth);
-    std::string PlaceStyleSheet(const std::string& file, const std::string& mediaFolder, int depth);
-    std::string RewriteStyles(std::string_view css, const std::vector<std::string>& sourceFolders,
-                              const std::string& mediaFolder, std::string_view prefix, int depth,
-                              std::vector<std::string>& used);
-    std::string MissingName(std::string_view reference, const std::string& mediaFolder);
+    MediaFolder& FolderBeside(const std::string& targetFolder);
+    std::string Place(MediaFolder& folder, const std::string& file, int depth);
+    std::string PlaceCopy(MediaFolder& folder, const std::string& file);
+    std::string PlaceStyleSheet(MediaFolder& folder, const std::string& file, int depth);
+    void NoteNeedsInPlace(MediaFolder& folder, const std::string& name);
+    std::string RewriteStyles(const Task& task, std::string_view css, std::string_view prefix,
+                              int depth, std::vector<std::string>& used);
+    void PullElement(const Task& task, dom::Node& element, std::vector<std::string>& used);
+    void PullCandidates(const Task& task, dom::Node& element, std::vector<std::string>& used);
+    std::string MissingName(const MediaFolder& folder, std::string_view reference) const;
     bool SameContent(const std::string& file, const std::string& other) const;
+    static std::vector<std::string> WithNeeds(const MediaFolder& folder,
+                                              const std::vector<std::string>& used);
 
     ProjectContext& context_;
     std::unordered_map<std::string, MediaFolder> folders_;
-    std::unordered_map<std::string, std::string> placing_;  ///< style sheets in the making
 };
 
 /** Pulls the media of one document; see MediaPuller::Pull. */
 std::vector<std::string> PullMedia(ProjectContext& context, dom::Document& document,
                                    const std::string& sourceFolder,
                                    const std::string& targetFolder);
+
+/**
+ * The folders that references in a document are relative to, given those of its file: a BASE
+ * element with a local address changes them, and its address goes, since rewritten references do
+ * not need it. Empty when the BASE names a place in the web, where all relative references then
+ * lie.
+ */
+std::vector<std::string> TakeOverBase(dom::Document& document,
+                                      const std::vector<std::string>& folders);
 
 }  // namespace pw

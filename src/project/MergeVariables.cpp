@@ -50,6 +50,14 @@ std::string ProjectSize(const ProjectContext& context) {
     return std::to_string(context.project.ProjectSize());
 }
 
+std::string ProviderName(const ProjectContext& context) {
+    return context.provider.Name;
+}
+
+std::string ProviderWebAddress(const ProjectContext& context) {
+    return context.provider.WebAddress;
+}
+
 using P = ProjectProperties;
 
 // In the order in which the variables are listed.
@@ -78,9 +86,8 @@ constexpr StandardVariable kStandardVariables[] = {
     {"Company Fax", TextOf<&P::CompanyFax>},
     {"Company Web Site", TextOf<&P::CompanyWebSite>},
     {"Company E-mail", TextOf<&P::CompanyEmail>},
-    // The hosting provider's come from the provider's own object, once a profile is loaded.
-    {"WHP Name", TextOf<&P::WHPName>},
-    {"WHP Web Address", TextOf<&P::WHPWebAddress>},
+    {"WHP Name", ProviderName},
+    {"WHP Web Address", ProviderWebAddress},
 };
 
 const MergeVariable* FindVariable(const ProjectContext& context, std::string_view name) {

@@ -25,8 +25,7 @@ std::string WithCrLf(std::string_view text) {
 
 }  // namespace
 
-std::string UpdateHTML(ProjectContext& context, dom::Document& document,
-                       std::string_view pageKey) {
+std::string UpdateHTML(ProjectContext& context, dom::Document& document, std::string_view pageKey) {
     Trap(context.frame.errorLog, "ProjectFunctions.", "UpdateHTML", [&] {
         const dom::Document::Step step(document);
         for (dom::Node* image : document.images()) {

@@ -18,7 +18,9 @@ namespace {
 
 constexpr std::string_view kModule = "ProjectFunctions.";
 
-char LetterOfBlock(std::string_view block) { return block.empty() ? '\0' : block.front(); }
+char LetterOfBlock(std::string_view block) {
+    return block.empty() ? '\0' : block.front();
+}
 
 /** The letter of the last block of a key. */
 char KindOfKey(std::string_view key) {
@@ -49,7 +51,8 @@ ProjectItem Descend(const ProjectContext& context, const ProjectItem& parent, bo
             if (parent.page) child.attachment = parent.page->Attachments().Item(block);
             if (isTop) child.attachment = context.project.Attachments().Item(block);
             break;
-        default: break;
+        default:
+            break;
     }
     return child;
 }
@@ -259,8 +262,8 @@ int GetUniqueFilename(const FileSystem& files, std::string_view prefix, std::str
     for (const auto& entry : entries)
         names.insert(FoldCase(entry.name));
     int number = 1;
-    while (names.count(FoldCase(std::string(prefix) + std::to_string(number) + "." +
-                                std::string(extension))))
+    while (names.count(
+        FoldCase(std::string(prefix) + std::to_string(number) + "." + std::string(extension))))
         ++number;
     return number;
 }

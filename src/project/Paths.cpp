@@ -15,9 +15,8 @@ namespace {
 constexpr std::string_view kFileScheme = "file://";
 
 bool IsDiskPath(std::string_view text) {
-    return text.starts_with('\\') ||
-           (text.size() > 2 && text[1] == ':' && text[2] == '\\' &&
-            std::isalpha(static_cast<unsigned char>(text[0])));
+    return text.starts_with('\\') || (text.size() > 2 && text[1] == ':' && text[2] == '\\' &&
+                                      std::isalpha(static_cast<unsigned char>(text[0])));
 }
 
 /** What stands behind the folder and its separator; "" for what does not lie below it. */

@@ -14,10 +14,17 @@ struct ProjectContext {
     Project& project;      ///< the one project of the program
     Workspace& workspace;  ///< status line, open pages, explorers
 
+    /** The hosting provider that the project goes to, as its profile tells; empty without one. */
+    struct Provider {
+        std::string Name;
+        std::string WebAddress;
+    } provider;
+
     /** Pages cut or copied in the project explorer: the program's own clipboard. */
     struct CopiedPage {
         std::string file;  ///< path of a copy that stays until the next one is taken
         std::string title;
+        std::string folder;  ///< where the page lay: what its references are relative to
         bool empty() const { return file.empty(); }
     } copiedPage;
 };

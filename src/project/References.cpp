@@ -25,7 +25,9 @@ std::size_t SchemeLength(std::string_view value) {
     return i > 1 && i < value.size() && value[i] == ':' ? i : 0;
 }
 
-bool IsFileAddress(std::string_view value) { return StartsWithNoCase(value, "file:"); }
+bool IsFileAddress(std::string_view value) {
+    return StartsWithNoCase(value, "file:");
+}
 
 std::vector<std::string> Segments(std::string_view path) {
     std::vector<std::string> segments;
@@ -66,8 +68,8 @@ std::string NormalizePath(std::string_view path) {
 }
 
 std::string JoinReference(std::string_view folder, std::string_view value) {
-    const std::string base = IsFileAddress(folder) ? PercentDecode(URLToPath(folder))
-                                                   : ReplaceAll(folder, "/", "\\");
+    const std::string base =
+        IsFileAddress(folder) ? PercentDecode(URLToPath(folder)) : ReplaceAll(folder, "/", "\\");
     std::string trimmed = Trim(value);
     if (StartsWithNoCase(trimmed, "file:") && !StartsWithNoCase(trimmed, "file://"))
         trimmed.erase(0, 5);
@@ -109,8 +111,9 @@ std::string EncodeLink(std::string_view path) {
     static constexpr char digits[] = "0123456789ABCDEF";
     std::string encoded;
     for (const unsigned char c : path) {
-        const bool isPlain = std::isalnum(c) || c >= 0x80 ||
-                             std::string_view("-_.~/!$&'*+;=@:").find(char(c)) != std::string_view::npos;
+        const bool isPlain =
+            std::isalnum(c) || c >= 0x80 ||
+            std::string_view("-_.~/!$&'*+;=@:").find(char(c)) != std::string_view::npos;
         if (isPlain) {
             encoded += char(c);
         } else {

@@ -1,0 +1,109 @@
+#include "project/Attachments.h"
+
+#include "frame/Context.h"
+#include "frame/FunctionLibrary.h"
+#include "platform/Text.h"
+#include "project/Media.h"
+#include "project/Pages.h"
+#include "project/Paths.h"
+
+namespace pw {
+
+namespace {
+
+constexpr std::string_view kModule = "ProjectFunctions.";
+
+/** In letters as on disk: who writes a project file takes only what lies below its folder. */
+bool IsInProject(const ProjectContext& context, std::string_view path) {
+    const std::string& root = context.frame.settings.PreviewFolder;
+    return path.size() > root.size() && path.starts_with(root) && path[root.size()] == '\\';
+}
+
+/** Java classes are named in ways that no scan finds. */
+bool IsClassFile(const Attachment& attachment) {
+    return EqualsNoCase(GetExtension(attachment.Filename()), "class");
+}
+
+Attachment* AddInUse(ProjectContext& context, const std::string& path, Page& page) {
+    Attachment* attachment = page.Attachments().Add(path);
+    if (!attachment) return nullptr;
+    attachment->Size = context.frame.files.Stat(path).size;
+    attachment->Kind = AttachmentKind::PageMedia;
+    attachment->State = AttachmentState::InUse;
+    return attachment;
+}
+
+void DropStale(Page& page) {
+    Attachments& attachments = page.Attachments();
+    for (int i = attachments.Count(); i >= 1; --i) {
+        Attachment& attachment = *attachments.Item(i);
+        if (attachment.State == AttachmentState::Stale && !IsClassFile(attachment)) {
+            attachments.Remove(i);
+        } else {
+            attachment.State = AttachmentState::InUse;
+        }
+    }
+}
+
+}  // namespace
+
+Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page) {
+    const auto body = [&]() -> Attachment* {
+        if (!FileExists(context.frame.files, path)) return nullptr;
+        if (IsInProject(context, path)) return AddInUse(context, std::string(path), page);
+        const auto pulled =
+            MediaPuller(context).PullFile(std::string(path), GetPageFolder(context, page.Key()));
+        for (auto file = pulled.rbegin(); file != pulled.rend(); ++file) {
+            Attachment* attachment = AddInUse(context, *file, page);
+            if (file + 1 == pulled.rend()) return attachment;
+        }
+        return nullptr;
+    };
+    return Trap(context.frame.errorLog, kModule, "AddSystemAttachment",
+                static_cast<Attachment*>(nullptr), body);
+}
+
+void SaveAttachments(ProjectContext& context, const dom::Document& document,
+                     std::string_view baseURL, Page& page) {
+    Trap(context.frame.errorLog, kModule, "SaveAttachments", [&] {
+        DropStale(page);
+        if (!document.frames().empty()) return;
+
+        const auto add = [&](const std::string& reference) {
+            if (reference.empty()) return;
+            const std::string path = ResolvePath(context, reference, baseURL);
+            if (!path.empty()) AddSystemAttachment(context, path, page);
+        };
+        if (const dom::Node* body = document.body()) add(body->getAttribute("background"));
+        for (const dom::Node* image : document.images()) {
+            const std::string source = image->getAttribute("src");
+            add(source.empty() ? image->getAttribute("dynsrc") : source);
+        }
+        for (const dom::Node* table : document.tags("TABLE"))
+            if (table->firstChild()) add(table->getAttribute("background"));
+        for (const dom::Node* cell : document.tags("TD"))
+            add(cell->getAttribute("background"));
+    });
+}
+
+bool CopyAttachmentsTo(ProjectContext& context, const Page& page, std::string_view folder) {
+    return Trap(context.frame.errorLog, kModule, "CopyAttachmentsTo", false, [&] {
+        FileSystem& files = context.frame.files;
+        const std::string target = BuildPath(folder, "media");
+        bool isWhole = true;
+        for (const Attachment& attachment : page.Attachments()) {
+            const std::string& file = attachment.Filename();
+            if (!FileExists(files, file)) continue;
+            isWhole = MakeFolder(files, target) && CopyFileToFolder(files, file, target) && isWhole;
+        }
+        return isWhole;
+    });
+}
+
+void RemoveProjectAttachmentsOfType(ProjectContext& context, int state) {
+    Attachments& attachments = context.project.Attachments();
+    for (int i = attachments.Count(); i >= 1; --i)
+        if (attachments.Item(i)->State == state) attachments.Remove(i);
+}
+
+}  // namespace pw

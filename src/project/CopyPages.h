@@ -1,0 +1,21 @@
+#pragma once
+// Cut, copy and paste of pages in the project explorer.
+#include <string>
+#include <string_view>
+
+#include "project/ProjectContext.h"
+
+namespace pw {
+
+class Page;
+
+/** Remembers a copy of the page with its media; an open page is written to its file first. */
+bool CopyPage(ProjectContext& context, std::string_view key);
+/** The same, and takes the page out of the project. */
+bool CutPage(ProjectContext& context, std::string_view key);
+/** Inserts the page and shows it, in the folder or site at the key or in that of the page at the
+ *  key. Links to the project's files go on leading there. None, with a sentence in `reason`, when
+ *  it could not be done. */
+Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string* reason = nullptr);
+
+}  // namespace pw

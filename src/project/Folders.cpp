@@ -1,0 +1,275 @@
+#include "project/Folders.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "frame/Context.h"
+#include "frame/FunctionLibrary.h"
+#include "platform/Text.h"
+#include "project/Paths.h"
+#include "project/Workspace.h"
+#include "project/frmFolder.h"
+
+namespace pw {
+
+namespace {
+
+constexpr std::string_view kModule = "ProjectFunctions.";
+constexpr std::string_view kMediaName = "media";
+
+void Tell(std::string* reason, const std::string& text) {
+    if (reason) *reason = text;
+}
+
+std::string RelativeFolder(const Container& parent, const std::string& name) {
+    return BuildPath(parent.RelativePath(), name);
+}
+
+/** Key of the folder or site that holds the folder. */
+std::string ParentKeyOf(const Folder& folder) {
+    return folder.Key().substr(0, folder.Key().size() - kBlockWidth);
+}
+
+/** The name on disk that stands in the way of a new one, in any letter case; "" when none does. */
+std::string NameInTheWay(const FileSystem& files, const std::string& parentFolder,
+                         std::string_view name, std::string_view except) {
+    std::vector<FolderEntry> entries;
+    if (files.List(parentFolder, entries) != FileError::None) return {};
+    for (const auto& entry : entries)
+        if (entry.name != except && EqualsNoCase(entry.name, name)) return entry.name;
+    return {};
+}
+
+/** The path with its beginning changed when it lies in the folder `from`. */
+bool Move(std::string& path, const std::string& from, const std::string& to) {
+    if (path.size() <= from.size() || !path.starts_with(from) || path[from.size()] != '\\')
+        return false;
+    path.replace(0, from.size(), to);
+    return true;
+}
+
+void MoveAttachments(Attachments& attachments, const std::string& from, const std::string& to) {
+    for (Attachment& attachment : attachments) {
+        std::string path = attachment.Filename();
+        if (Move(path, from, to)) (void)attachment.SetFilename(path);
+    }
+}
+
+void MoveFolders(Folder& folder, const std::string& from, const std::string& to) {
+    for (Page& page : folder.Pages())
+        Move(page.Path, from, to);
+    for (Folder& below : folder.Sections()) {
+        Move(below.WorkingFolder, from, to);
+        MoveFolders(below, from, to);
+    }
+}
+
+/** Everything that names a place on disk below the folder. Pages elsewhere can use its media. */
+void MoveFiles(ProjectContext& context, const std::string& from, const std::string& to) {
+    for (const PageIndexEntry& entry : context.project.PageIndex()) {
+        Move(entry.Item->Filename, from, to);
+        MoveAttachments(entry.Item->Attachments(), from, to);
+    }
+    MoveAttachments(context.project.Attachments(), from, to);
+    if (Page* page = context.project.DefaultTemplate())
+        MoveAttachments(page->Attachments(), from, to);
+    Move(context.project.ThumbnailFilename, from, to);
+}
+
+/** Windows hold the addresses of their files: those below a folder are closed, which writes them,
+ *  and shown again when they lie elsewhere. */
+class ReopenedWindows {
+  public:
+    ReopenedWindows(ProjectContext& context, const Folder& folder) : context_(context) {
+        current_ = context.workspace.CurrentPageKey();
+        for (OpenPage* open : context.workspace.OpenPages())
+            if (open->PageKey().starts_with(folder.Key())) keys_.push_back(open->PageKey());
+        for (const auto& key : keys_)
+            if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
+    }
+    ~ReopenedWindows() {
+        // The one that was in front comes last.
+        std::stable_partition(keys_.begin(), keys_.end(),
+                              [&](const auto& key) { return key != current_; });
+        for (const auto& key : keys_)
+            if (const Page* page = GetPage(context_, key))
+                context_.workspace.ShowPage(key, page->Name, page->Filename, page->PageType);
+    }
+    ReopenedWindows(const ReopenedWindows&) = delete;
+    ReopenedWindows& operator=(const ReopenedWindows&) = delete;
+
+  private:
+    ProjectContext& context_;
+    std::vector<std::string> keys_;
+    std::string current_;
+};
+
+}  // namespace
+
+bool IsOKToAddFolder(const ProjectContext& context, std::string_view name,
+                     std::string_view parentKey, std::string* existingKey) {
+    if (existingKey) existingKey->clear();
+    if (name.empty()) return false;
+    const Container parent = GetContainer(context, parentKey);
+    if (!parent) return false;
+    const std::string wanted = FoldCase(name);
+    for (const Folder& folder : parent.FolderList()) {
+        if (FoldCase(folder.Name) != wanted) continue;
+        if (existingKey) *existingKey = folder.Key();
+        return false;
+    }
+    return true;
+}
+
+std::string FolderNameProblem(std::string_view name) {
+    if (Trim(name).empty()) return "Please enter a name for the folder.";
+    const bool isFilename = std::all_of(name.begin(), name.end(), [](unsigned char c) {
+        return c >= 0x20 && c != 0x7F && IsFilenameKey(c);
+    });
+    if (!isFilename || !IsValidUtf8(name))
+        return "A folder name can not contain any of the characters \\ / : * ? \" < > |. "
+               "Please enter a different name.";
+    if (name == "." || name == ".." || name.ends_with('.'))
+        return "A folder name can not end with a point. Please enter a different name.";
+    if (EqualsNoCase(name, kMediaName))
+        return "The name \"media\" is kept for the pictures of the pages. "
+               "Please enter a different name.";
+    if (name.size() > 200) return "This folder name is too long. Please enter a shorter one.";
+    return {};
+}
+
+Folder* AddFolder(ProjectContext& context, Container parent, const NewFolder& wanted,
+                  std::string* reason) {
+    const auto body = [&]() -> Folder* {
+        FileSystem& files = context.frame.files;
+        const std::string name = Trim(wanted.name);
+        if (!parent) parent = GetContainer(context, "");
+        const std::string problem = FolderNameProblem(name);
+        if (!problem.empty() || !parent) {
+            Tell(reason, problem);
+            return nullptr;
+        }
+        if (!IsOKToAddFolder(context, name, parent.Key())) {
+            Tell(reason, "A folder named '" + name + "' already exists here.");
+            return nullptr;
+        }
+        const std::string path =
+            BuildPath(context.frame.settings.PreviewFolder, RelativeFolder(parent, name));
+        const FileError error = files.MakeFolder(BuildPath(path, kMediaName));
+        if (error != FileError::None) {
+            Tell(reason, "Folder '" + name + "' can not be made: " + Describe(error) + ".");
+            return nullptr;
+        }
+        Folder* folder = parent.FolderList().Add();
+        if (!folder) {
+            Tell(reason, context.project.LastMessage());
+            return nullptr;
+        }
+        if (parent.folder) parent.folder->Expanded = true;
+        folder->Name = name;
+        folder->Description = wanted.description;
+        folder->ContainerKind = wanted.containerKind;
+        folder->FolderName = name;
+        folder->WorkingFolder = RelativeFolder(parent, name);
+        context.project.IsDirty = true;
+        return folder;
+    };
+    return Trap(context.frame.errorLog, kModule, "InsertFolder", static_cast<Folder*>(nullptr),
+                body);
+}
+
+Folder* InsertFolder(ProjectContext& context) {
+    Workspace& workspace = context.workspace;
+    std::string key = workspace.SelectedProjectNode();
+    if (key.empty()) key = workspace.CurrentPageKey();
+    const Container parent = GetContainer(context, key);
+    if (!parent) return nullptr;
+
+    frmFolder dialog(context, parent.Key());
+    context.frame.dialogs.ShowModal(dialog);
+    if (!dialog.Accepted()) return nullptr;
+
+    std::string reason;
+    Folder* folder = AddFolder(
+        context, parent, {dialog.Name(), dialog.Description(), dialog.ContainerKind()}, &reason);
+    if (!folder) {
+        context.frame.dialogs.MsgBox({reason, dialog.Title(), Icon::Exclamation, Buttons::Ok});
+        return nullptr;
+    }
+    workspace.RefillProjectExplorer();
+    workspace.SelectProjectNode(folder->Key());
+    return folder;
+}
+
+bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::string& newName,
+                        std::string* reason) {
+    return Trap(context.frame.errorLog, kModule, "RenameFolder", false, [&] {
+        FileSystem& files = context.frame.files;
+        const std::string name = Trim(newName);
+        const Container parent = GetContainer(context, ParentKeyOf(folder));
+        const std::string oldRelative = folder.WorkingFolder;
+        const std::string newRelative = RelativeFolder(parent, name);
+        if (name == folder.Name && newRelative == oldRelative) return true;
+        const auto fail = [&](const std::string& why) {
+            Tell(reason, why);
+            return false;
+        };
+
+        const std::string problem = FolderNameProblem(name);
+        if (!problem.empty()) return fail(problem);
+        std::string existing;
+        if (!IsOKToAddFolder(context, name, parent.Key(), &existing) && existing != folder.Key())
+            return fail("This folder name already exist. Please enter a different name.");
+        const std::string& root = context.frame.settings.PreviewFolder;
+        const std::string from = BuildPath(root, oldRelative);
+        const std::string to = BuildPath(root, newRelative);
+        const std::string inTheWay =
+            NameInTheWay(files, GetParentFolder(from), name, GetFileName(from));
+        if (!inTheWay.empty())
+            return fail("'" + inTheWay + "' already exists here. Please enter a different name.");
+
+        const ReopenedWindows windows(context, folder);
+        if (from != to) {
+            const FileError error =
+                FolderExists(files, from) ? files.Rename(from, to) : files.MakeFolder(to);
+            if (error != FileError::None)
+                return fail("Folder '" + folder.Name + "' can not be renamed: " + Describe(error) +
+                            ".");
+        }
+        folder.Name = name;
+        folder.FolderName = name;
+        folder.WorkingFolder = newRelative;
+        MoveFolders(folder, oldRelative, newRelative);
+        MoveFiles(context, from, to);
+        context.project.IsDirty = true;
+        return true;
+    });
+}
+
+void EditFolderProperties(ProjectContext& context, std::string_view key) {
+    Folder* folder = GetFolder(context, key);
+    if (!folder) return;
+    frmFolder dialog(context, ParentKeyOf(*folder), *folder);
+    context.frame.dialogs.ShowModal(dialog);
+    if (dialog.Accepted()) {
+        const std::string name = dialog.Name();
+        const bool isRenamed = name != folder->Name;
+        const Message question{
+            "Changing the folder name may break links in your project.\n\n"
+            "Are you sure you want to continue?",
+            "Folder", Icon::Question, Buttons::YesNo, Answer::No};
+        std::string reason;
+        if (!isRenamed) {
+            folder->Description = dialog.Description();
+        } else if (context.frame.dialogs.MsgBox(question) == Answer::Yes) {
+            if (RenameFolderOnDisk(context, *folder, name, &reason)) {
+                folder->Description = dialog.Description();
+            } else {
+                context.frame.dialogs.MsgBox({reason, "Folder", Icon::Exclamation, Buttons::Ok});
+            }
+        }
+    }
+    context.workspace.RefillProjectExplorer();
+}
+
+}  // namespace pw
