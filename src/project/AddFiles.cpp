@@ -243,7 +243,9 @@ class Adding {
 }  // namespace
 
 AddFilesResult AddFiles(ProjectContext& context, const AddFilesRequest& request) {
-    return Trap(context.frame.errorLog, kModule, "AddFiles", AddFilesResult(),
+    const AddFilesResult failure{
+        {}, 0, {{"", "Not all files could be taken in. The error log tells more."}}};
+    return Trap(context.frame.errorLog, kModule, "AddFiles", failure,
                 [&] { return Adding(context, request).Run(); });
 }
 
