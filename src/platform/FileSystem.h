@@ -41,7 +41,12 @@ struct FolderEntry {
     bool isLink = false;
 };
 
-enum class Durability { Lazy, Synced };
+enum class Durability {
+    Lazy,
+    Synced,
+    /** Straight into the file, half as dear: for scratch files that nobody needs after a crash. */
+    InPlace
+};
 
 class FileSystem {
   public:

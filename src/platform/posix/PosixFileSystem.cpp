@@ -160,6 +160,7 @@ class PosixFileSystem : public FileSystem {
     FileError Write(std::string_view path, std::string_view bytes, Durability durability) override {
         std::string native;
         if (!Translate(path, native)) return FileError::BadName;
+        if (durability == Durability::InPlace) return WriteInPlace(native, bytes);
         Replacement file(native);
         if (file.Error() != FileError::None) return file.Error();
         const auto error = WriteAll(file.Fd(), bytes);
@@ -282,6 +283,14 @@ class PosixFileSystem : public FileSystem {
     }
 
   private:
+    static FileError WriteInPlace(const std::string& native, std::string_view bytes) {
+        Descriptor file(::open(
+            native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, mode_t(0666)));
+        if (!file) return ErrorOf(errno);
+        const auto error = WriteAll(file.Get(), bytes);
+        return !file.Close() && error == FileError::None ? ErrorOf(errno) : error;
+    }
+
     static FolderEntry EntryOf(int folder, const dirent& item) {
         unsigned char type = item.d_type;
         struct stat status;
