@@ -56,7 +56,8 @@ enum class ControlKind {
     ColorBox,
     Picture,
     Frame,
-    UpDown
+    UpDown,
+    DatePicker
 };
 
 class Control {

@@ -155,6 +155,13 @@ void UpDown::SetValue(int value) {
     Change();
 }
 
+void DatePicker::SetValue(double value) {
+    if (value_ == value) return;
+    value_ = value;
+    Notify(Aspect::Value);
+    Change();
+}
+
 void ProgressBar::SetValue(int value) {
     value = std::clamp(value, 0, 100);
     if (value_ == value) return;

@@ -153,6 +153,20 @@ class UpDown : public Control {
     int value_ = 0;
 };
 
+/** A day without a time, or none where the box in front of it is not ticked. */
+class DatePicker : public Control {
+  public:
+    DatePicker(ControlOwner* owner, std::string name)
+        : Control(owner, std::move(name), ControlKind::DatePicker) {}
+    /** A day count from 1899-12-30; 0 is no date. */
+    double Value() const { return value_; }
+    void SetValue(double value);
+    Event<> Change;
+
+  private:
+    double value_ = 0;
+};
+
 class ProgressBar : public Control {
   public:
     ProgressBar(ControlOwner* owner, std::string name)

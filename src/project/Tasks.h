@@ -1,0 +1,36 @@
+#pragma once
+// The to-do list of a project: the texts of its states and what the task explorer shows.
+#include <array>
+#include <string>
+
+#include "platform/controls/Controls.h"
+#include "project/ProjectContext.h"
+#include "project/omProj/Project.h"
+
+namespace pw {
+
+enum class TaskStatus {
+    Unknown = 0,
+    NotStarted = 1,
+    InProgress = 2,
+    Completed = 3,
+    WaitingOnSomeone = 4,
+    Deferred = 5
+};
+
+extern const std::array<const char*, 6> kTaskStatuses;
+extern const std::array<const char*, 3> kTaskPriorities;
+extern const std::array<const char*, 11> kTaskSubjects;  ///< offered for `AssociatedWith`
+
+std::string StatusText(int status);      ///< "" out of range
+std::string PriorityText(int priority);  ///< "" out of range
+
+/** A task as a row of the task explorer: name, priority, status, assigned to, complete by. Its key
+ *  and tag are the task's key. */
+ListRow TaskRow(const Task& task);
+std::vector<ListColumn> TaskColumns();
+
+/** Sets the task's status to completed. False when there is no such task. */
+bool MarkTaskComplete(ProjectContext& context, const std::string& key);
+
+}  // namespace pw
