@@ -1,7 +1,11 @@
 #pragma once
 // What the routines of the project floor work on. They are free functions in namespace pw that take
 // this by reference; the error log knows them under "ProjectFunctions.".
+#include <memory>
 #include <string>
+
+#include "platform/posix/ProjectLock.h"
+#include "project/JournalState.h"
 
 namespace pw {
 
@@ -27,6 +31,11 @@ struct ProjectContext {
         std::string folder;  ///< where the page lay: what its references are relative to
         bool empty() const { return file.empty(); }
     } copiedPage;
+
+    /** On the file of the open project; none for one that was never saved. */
+    std::unique_ptr<ProjectLock> lock;
+    std::string lockedFile;  ///< real path of that file
+    JournalState journal;    ///< what a crash would leave to recover from
 };
 
 }  // namespace pw

@@ -1,0 +1,23 @@
+#pragma once
+// One program at a time works on a project file.
+#include <memory>
+#include <string>
+
+#include "project/ProjectContext.h"
+
+namespace pw {
+
+struct ProjectFileLock {
+    bool granted = false;
+    std::unique_ptr<ProjectLock> fresh;  ///< none when the context holds the lock already
+    std::string file;                    ///< real path
+};
+
+/** Tries to lock a project file, which need not exist. Refused, `reason` names who holds it. */
+ProjectFileLock LockProjectFile(ProjectContext& context, const std::string& file,
+                                std::string& reason);
+/** Makes it the lock of the open project, in place of the former one. */
+void KeepProjectLock(ProjectContext& context, ProjectFileLock lock);
+void ReleaseProjectLock(ProjectContext& context);
+
+}  // namespace pw
