@@ -6,7 +6,9 @@
 // mark what has to be written anew, and tell the observers. Everything else that edits (innerHTML,
 // insertAdjacentHTML, text ranges, dialogs, the browser view) is made of these six.
 //
-// Text is UTF-8; offsets into text are bytes and lie on character boundaries.
+// Text is UTF-8; offsets into text are bytes and lie on character boundaries. Line ends in text
+// nodes and attributes are LF: CR LF handed to a primitive is taken as LF, and LF is written in the
+// way that the page ends its lines.
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,6 +23,7 @@
 namespace pw::dom {
 
 class History;
+class Gateway;
 
 /** A place between two characters (in text) or two children (in an element). */
 struct Position {
@@ -43,7 +46,9 @@ struct Selection {
 /** Who made a change: the projection must not be sent what it has sent itself. */
 enum class Origin { Program, View, History };
 
-/** One primitive as it was applied. */
+/** One primitive as it was applied. A node inserted or removed stands for its whole subtree; when a
+ *  node is inserted, the subtree is complete. Nodes that are not in the tree report changes too:
+ *  `Document::isConnected` tells. ReplaceSource changes bytes, never the tree. */
 struct Change {
     enum class Kind { InsertNode, RemoveNode, SetAttribute, SetText, ReplaceText, ReplaceSource };
     Kind kind;
@@ -62,7 +67,8 @@ class DocumentObserver {
     virtual ~DocumentObserver() = default;
     /** After each primitive. Must not change the document. */
     virtual void documentChanged(const Change&) {}
-    /** The whole tree was replaced (a source edit that no primitive expresses). */
+    /** The doctype or the HTML element itself was replaced: show the page anew. Comes after the
+     *  primitives of that edit. */
     virtual void documentReloaded() {}
     /** The selection was set by anyone but the view. */
     virtual void selectionChanged(Origin) {}
@@ -84,9 +90,9 @@ class Document {
     Document(const Document&) = delete;
     Document& operator=(const Document&) = delete;
 
-    /** Parses the bytes of a file. `fallback` is used when neither a mark, a meta element nor the
-     *  bytes themselves tell the encoding. None and a message for what cannot be a page (nested
-     *  beyond every reason, too large); never throws for bad markup. */
+    /** Parses the bytes of a file; `decode` tells how the encoding is found. None and a message for
+     * what cannot be a page (nested beyond every reason, too large); never throws for bad markup.
+     */
     static std::unique_ptr<Document> parse(std::string_view bytes, ParseError* error = nullptr);
     /** As parse, of text that is already UTF-8; the page's encoding stays `encoding`. */
     static std::unique_ptr<Document> parseText(std::string text, Encoding encoding = {},
@@ -153,6 +159,9 @@ class Document {
                                      ParseError* error = nullptr);
 
     // --- Edits made of the primitives ---------------------------------------------------------
+    /** What stands behind `offset` becomes a text node of its own, with its bytes, behind this one.
+     *  Returns it; none when nothing would be left on one side. */
+    Node* splitText(Node& text, std::size_t offset);
     void setTitle(std::string_view title);
     void moveNode(Node& parent, Node& node, Node* before);
     void setInnerHTML(Node& element, std::string_view html);
@@ -197,6 +206,8 @@ class Document {
     /** Differs from what was parsed or last marked clean; follows undo and redo. */
     bool isDirty() const;
     void markClean();
+    /** Seconds that never run backwards; decides when typing starts a new step. */
+    void setClock(std::function<double()> clock);
 
     /** Origin of the changes made while it lives. */
     class OriginScope {
@@ -220,8 +231,12 @@ class Document {
     friend class Parser;
     friend class Writer;
     friend class History;
-    friend class Step;
+    friend class Gateway;
+    friend class SourceEdit;
+    friend class SourceOrder;
 
+    struct Unparsed {};
+    explicit Document(Unparsed);  ///< without a tree, for the parser to fill
     Node* newNode(NodeType type);
 
     Node* root_ = nullptr;

@@ -16,9 +16,9 @@ struct Encoding {
 struct Decoded {
     std::string text;  ///< UTF-8
     Encoding encoding;
-    /** True when encoding `text` again gives the very bytes; false when bytes could not be
-     *  decoded. Each such byte stands in `text` as U+FFFD and its offset in `text`, ascending,
-     *  with the byte itself, in `undecodable`. */
+    /** Bytes that could not be decoded. Each stands in `text` as one private character,
+     *  U+10FE00 plus the byte, at this offset, and `encode` writes it as the byte that it was: so
+     *  such bytes survive whatever is edited around them. */
     struct Stray {
         std::size_t offset;
         std::string byte;
@@ -26,8 +26,8 @@ struct Decoded {
     std::vector<Stray> undecodable;
 };
 
-/** Byte order mark, then a meta element in the first 1,024 bytes, then UTF-8 if the bytes are
- *  valid, else windows-1252. */
+/** Byte order mark, then a meta element in the first 1,024 bytes (or an XML declaration), then
+ *  UTF-8 if the bytes are valid, else windows-1252. */
 Decoded decode(std::string_view bytes);
 
 /** Characters that the encoding lacks become numeric character references. */

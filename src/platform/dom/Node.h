@@ -4,6 +4,7 @@
 // plain pointers. Nodes are read here; they are changed through Document alone.
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,14 +23,6 @@ struct Attribute {
     std::string value;  ///< decoded: no character references
 };
 
-/** Half-open range of bytes in the decoded source text; empty when a node has no source of its own.
- */
-struct SourceRange {
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    bool empty() const { return begin == end; }
-};
-
 class Node {
   public:
     NodeId id() const { return id_; }
@@ -42,6 +35,8 @@ class Node {
     std::string tagName() const;
     /** Lower-case tag of an element (SVG keeps its own case), "" for others. */
     const std::string& localName() const { return name_; }
+    /** In a foreign namespace (SVG, MathML), where names keep their case. */
+    bool isForeign() const { return foreign_; }
     /** True when this is an element of that tag, without regard to case. */
     bool is(std::string_view tag) const;
 
@@ -62,7 +57,8 @@ class Node {
     /** Next node in document order that is not below this one. */
     Node* followingSkippingChildren(const Node* scope = nullptr) const;
 
-    /** Text of a text or comment node, UTF-8, line ends as written. */
+    /** Text of a text or comment node, UTF-8. Line ends are LF as in every browser's tree; the CR
+     * LF of a page are kept in its bytes, not here. */
     const std::string& data() const { return data_; }
 
     const std::vector<Attribute>& attributes() const { return attributes_; }
@@ -78,17 +74,37 @@ class Node {
     friend class Parser;
     friend class Writer;
     friend class History;
+    friend class Gateway;
+    friend class SourceEdit;
+    friend class SourceOrder;
+    friend class NodePool;
     Node() = default;
 
     NodeId id_ = 0;
     NodeType type_ = NodeType::Element;
-    bool svg_ = false;           ///< in a foreign namespace (SVG, MathML)
-    bool startChanged_ = false;  ///< attributes differ from the source's start tag
-    bool textChanged_ = false;   ///< data differs from the source text
-    bool childrenChanged_ = false;
+    bool foreign_ = false;  ///< in a foreign namespace (SVG, MathML)
+    bool sourced_ = false;  ///< has bytes below; a node without them is written canonically
+    bool raw_ = false;      ///< text whose bytes are written in a raw text element
+    bool clone_ = false;    ///< made by the parser from another's start tag
+    bool cloned_ = false;   ///< whose start tag the parser used again
     bool connected_ = false;
-    SourceRange start_;  ///< start tag, text or comment in the source
-    SourceRange end_;    ///< end tag in the source; empty when it was implied
+    bool tracked_ = false;      ///< was in the tree, or took part in a recorded change
+    std::int32_t changes_ = 0;  ///< net number of primitives applied in this subtree
+    std::int32_t island_ = -1;  ///< of which stretch of disorder this is a member
+    std::int32_t home_ = -1;    ///< of a clone: the stretch that it depends on
+    std::int32_t allIndex_ = -1;
+
+    // The bytes that the node is written with, one after the other, its children between the first
+    // and the second pair. They point into buffers that the document keeps.
+    std::string_view lead_;     ///< bytes in front of start_ that belong to no node
+    std::string_view start_;    ///< start tag, text or comment; empty when implied
+    std::string_view endLead_;  ///< bytes in front of end_ that belong to no node
+    std::string_view end_;      ///< end tag; empty when implied
+    /** The bytes of the whole subtree, from its first lead on, for as long as changes_ is 0. Empty
+     *  when the subtree does not stand in one piece. */
+    std::string_view extent_;
+    std::unique_ptr<std::string> own_;  ///< bytes of an edited text or comment, instead of start_
+
     std::string name_;
     std::string data_;
     std::vector<Attribute> attributes_;

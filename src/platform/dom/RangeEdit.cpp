@@ -1,0 +1,297 @@
+#include "platform/dom/RangeEdit.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "platform/dom/Escape.h"
+#include "platform/dom/FlatText.h"
+#include "platform/dom/StartTag.h"
+#include "platform/dom/Tags.h"
+
+namespace pw::dom {
+
+namespace {
+
+bool isTablePart(const Node& node) {
+    for (const char* tag : {"td", "th", "tr", "tbody", "thead", "tfoot", "caption", "colgroup"}) {
+        if (node.is(tag)) return true;
+    }
+    return false;
+}
+
+bool isBlock(const Node& node) {
+    return node.isElement() && isBlockTag(node.localName());
+}
+
+/** Holds text but no blocks: a block put into it splits it. */
+bool isParagraph(const Node& node) {
+    for (const char* tag : {"p", "h1", "h2", "h3", "h4", "h5", "h6", "address", "pre"}) {
+        if (node.is(tag)) return true;
+    }
+    return false;
+}
+
+Node* blockAround(Node* node) {
+    while (node && !isBlock(*node))
+        node = node->parent();
+    return node;
+}
+
+bool isEmpty(const Node& node) {
+    for (const Node* at = node.firstChild(); at; at = at->following(&node)) {
+        if (at->isText() ? !at->data().empty() : at->isElement() && isVoid(*at)) return false;
+    }
+    return true;
+}
+
+struct Ordered {
+    Position begin;
+    Position end;
+};
+
+Ordered inOrder(const Position& a, const Position& b) {
+    return comparePositions(a, b) <= 0 ? Ordered{a, b} : Ordered{b, a};
+}
+
+/** What of the range has to go: whole nodes, but of tables only the content of cells. */
+std::vector<Node*> wholeNodes(const Position& begin, const Position& end) {
+    const Boundary from = boundaryOf(begin);
+    const Boundary to = boundaryOf(end);
+    std::unordered_set<const Node*> around;
+    for (const Node* node = to.node; node; node = node->parent())
+        around.insert(node);
+    for (const Node* node = end.node; node; node = node->parent())
+        around.insert(node);
+    std::vector<Node*> found;
+    auto* node = const_cast<Node*>(from.node);
+    if (node && node == begin.node && node->isText()) node = node->followingSkippingChildren();
+    while (node && node != to.node) {
+        const bool table = isTablePart(*node);
+        if (around.contains(node) || table) {
+            node = node->following();
+            continue;
+        }
+        found.push_back(node);
+        node = node->followingSkippingChildren();
+    }
+    return found;
+}
+
+void removeWithEmptyParents(Document& document, Node* node, const Node* keep) {
+    while (node && node != keep && !isTablePart(*node) && !node->is("body") && isEmpty(*node)) {
+        Node* parent = node->parent();
+        document.removeNode(*node);
+        node = parent;
+    }
+}
+
+}  // namespace
+
+int comparePositions(const Position& a, const Position& b) {
+    if (a == b) return 0;
+    // Places as paths of child indexes from the root.
+    const auto path = [](const Position& position) {
+        std::vector<std::size_t> indexes{position.offset};
+        for (const Node* node = position.node; node && node->parent(); node = node->parent()) {
+            indexes.push_back(node->index());
+        }
+        std::reverse(indexes.begin(), indexes.end());
+        return indexes;
+    };
+    const std::vector<std::size_t> first = path(a);
+    const std::vector<std::size_t> second = path(b);
+    const std::size_t shorter = std::min(first.size(), second.size());
+    for (std::size_t i = 0; i < shorter; ++i) {
+        if (first[i] != second[i]) return first[i] < second[i] ? -1 : 1;
+    }
+    // A place in front of a child comes before the places in it.
+    return first.size() < second.size() ? -1 : first.size() > second.size() ? 1 : 0;
+}
+
+Position deleteRange(Document& document, Position a, Position b) {
+    if (!a.node || !b.node) return a;
+    auto [begin, end] = inOrder(a, b);
+    Document::Step step(document);
+    if (begin.node == end.node && begin.node->isText()) {
+        document.replaceText(*begin.node, begin.offset, end.offset - begin.offset, "");
+        return begin;
+    }
+    Node* firstBlock = blockAround(begin.node);
+    Node* lastBlock = blockAround(end.node);
+    const std::vector<Node*> whole = wholeNodes(begin, end);
+    if (end.node->isText()) document.replaceText(*end.node, 0, end.offset, "");
+    if (begin.node->isText()) {
+        document.replaceText(*begin.node, begin.offset, begin.node->data().size() - begin.offset,
+                             "");
+    }
+    for (Node* node : whole) {
+        if (document.isConnected(node)) document.removeNode(*node);
+    }
+    const bool joins = firstBlock && lastBlock && firstBlock != lastBlock &&
+                       document.isConnected(lastBlock) && !isTablePart(*firstBlock) &&
+                       !isTablePart(*lastBlock) && !lastBlock->contains(*firstBlock) &&
+                       !lastBlock->is("body");
+    if (!joins) return begin;
+    // The text behind the end comes into the paragraph of the beginning.
+    Node* spot = nullptr;
+    Node* target = firstBlock;
+    if (firstBlock->contains(*lastBlock)) {
+        spot = lastBlock;
+        while (spot->parent() != firstBlock)
+            spot = spot->parent();
+    }
+    while (Node* child = lastBlock->firstChild()) {
+        if (isBlock(*child)) break;
+        document.moveNode(*target, *child, spot);
+    }
+    removeWithEmptyParents(document, lastBlock, firstBlock);
+    return begin;
+}
+
+Node* splitText(Document& document, Node& text, std::size_t offset) {
+    if (offset == 0 || offset >= text.data().size()) return nullptr;
+    return document.splitText(text, offset);
+}
+
+namespace {
+
+/** Splits the elements around a place up to `limit` (which stays whole). Returns the child of
+ *  `limit` in front of which the place then is; none: at its end. */
+Node* splitUpTo(Document& document, Position place, Node& limit) {
+    Node* node = place.node;
+    Node* next = nullptr;  // the first node behind the place, a child of `parent`
+    Node* parent = nullptr;
+    if (node->isText()) {
+        parent = node->parent();
+        if (place.offset == 0) {
+            next = node;
+        } else {
+            splitText(document, *node, place.offset);
+            next = node->next();
+        }
+    } else {
+        parent = node;
+        next = node->firstChild();
+        for (std::size_t i = 0; next && i < place.offset; ++i)
+            next = next->next();
+    }
+    while (parent != &limit) {
+        Node* above = parent->parent();
+        if (!next) {
+            next = parent->next();
+        } else if (next == parent->firstChild()) {
+            next = parent;
+        } else {
+            Node* half = document.createElement(parent->localName());
+            for (const Attribute& attribute : parent->attributes()) {
+                if (attribute.name != "id") {
+                    document.setAttribute(*half, attribute.name, attribute.value);
+                }
+            }
+            document.insertNode(*above, *half, parent->next());
+            while (next) {
+                Node* following = next->next();
+                document.moveNode(*half, *next, nullptr);
+                next = following;
+            }
+            next = half;
+        }
+        parent = above;
+    }
+    return next;
+}
+
+Position behind(Node& node) {
+    if (node.isText()) return {&node, node.data().size()};
+    return {node.parent(), node.index() + 1};
+}
+
+}  // namespace
+
+Position insertNodesAt(Document& document, Position place, const std::vector<Node*>& nodes) {
+    if (nodes.empty() || !place.node) return place;
+    Document::Step step(document);
+    Node* block = blockAround(place.node);
+    const bool blocks =
+        std::any_of(nodes.begin(), nodes.end(), [](const Node* node) { return isBlock(*node); });
+    if (!blocks || !block || !isParagraph(*block) || !block->parent()) {
+        Node* container = place.node->isText() ? place.node->parent() : place.node;
+        Node* next = splitUpTo(document, place, *container);
+        for (Node* node : nodes)
+            document.insertNode(*container, *node, next);
+        return behind(*nodes.back());
+    }
+    // Text in front of the first block and behind the last stays in the halves of the paragraph.
+    Node* above = block->parent();
+    Node* next = splitUpTo(document, place, *above);
+    Node* tail = next && next != block && next->previous() == block ? next : nullptr;
+    Node* head = next == block ? nullptr : block;
+    if (next == block) tail = block;
+    Position end;
+    std::size_t first = 0;
+    std::size_t last = nodes.size();
+    while (head && first < last && !isBlock(*nodes[first])) {
+        document.insertNode(*head, *nodes[first++], nullptr);
+    }
+    while (tail && last > first && !isBlock(*nodes[last - 1]))
+        --last;
+    for (std::size_t i = first; i < last; ++i)
+        document.insertNode(*above, *nodes[i], next);
+    Node* inTail = tail ? tail->firstChild() : nullptr;
+    for (std::size_t i = last; i < nodes.size(); ++i)
+        document.insertNode(*tail, *nodes[i], inTail);
+    return behind(*nodes.back());
+}
+
+std::string markupBetween(const Document& document, Position a, Position b) {
+    if (!a.node || !b.node) return {};
+    const auto [begin, end] = inOrder(a, b);
+    const Boundary from = boundaryOf(begin);
+    const Boundary to = boundaryOf(end);
+    const Node* top = begin.node->isElement() ? begin.node : begin.node->parent();
+    while (top && !top->contains(*end.node))
+        top = top->parent();
+    if (top && top->isText()) top = top->parent();
+    if (!top) return {};
+    const auto holds = [](const Node& node, const Boundary& boundary) {
+        return boundary.node && node.contains(*boundary.node);
+    };
+    const auto context = [](const Node& node) {
+        return holdsRawText(*node.parent()) ? TextContext::Raw : TextContext::Normal;
+    };
+    std::string out;
+    bool begun = false;
+    const Node* node = top->firstChild();
+    while (node) {
+        const bool first = node == from.node;
+        const bool last = node == to.node;
+        begun |= first;
+        if (last && !node->isText()) begun = false;
+        if (node->isText() && begun && (first || last)) {
+            const std::size_t begins = first ? from.offset : 0;
+            const std::size_t ends = last ? to.offset : node->data().size();
+            if (begins < ends) {
+                out += escapeText(std::string_view(node->data()).substr(begins, ends - begins),
+                                  context(*node), "\n");
+            }
+        } else if (node->isElement() &&
+                   ((!begun && holds(*node, from)) || (begun && !last && holds(*node, to)))) {
+            out += canonicalStartTag(*node, "\n");
+            node = node->firstChild();
+            continue;
+        } else if (begun) {
+            out += document.outerHTML(*node);
+        }
+        if (last) begun = false;
+        const bool done = last;
+        while (node && (done || !node->next())) {
+            node = node->parent();
+            if (node == top) return out;
+            if (node) out += "</" + node->localName() + ">";
+        }
+        if (node) node = node->next();
+    }
+    return out;
+}
+
+}  // namespace pw::dom

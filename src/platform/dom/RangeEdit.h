@@ -1,0 +1,28 @@
+#pragma once
+// Deleting and inserting at places in a page, with the paragraphs around them kept whole.
+#include <string>
+#include <vector>
+
+#include "platform/dom/Document.h"
+
+namespace pw::dom {
+
+/** Below 0 when `a` stands in front of `b`, 0 when they are one place. */
+int comparePositions(const Position& a, const Position& b);
+
+/** Deletes what stands between two places, whichever comes first; the paragraphs at the ends become
+ *  one, the cells of a table stay. Returns where the caret then belongs. */
+Position deleteRange(Document& document, Position a, Position b);
+
+/** Inserts nodes that are not in the tree. Text goes into the paragraph, blocks split it. Returns
+ *  the place behind them. */
+Position insertNodesAt(Document& document, Position place, const std::vector<Node*>& nodes);
+
+/** The markup of what stands between two places, cut elements included. */
+std::string markupBetween(const Document& document, Position a, Position b);
+
+/** A text node's part from `offset` on becomes a node of its own, with its bytes; none when nothing
+ *  would be left on one side. */
+Node* splitText(Document& document, Node& text, std::size_t offset);
+
+}  // namespace pw::dom
