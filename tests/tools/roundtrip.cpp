@@ -1,6 +1,6 @@
 // Loads and saves each page named on standard input and tells which do not come back byte for byte.
-// With --edit each page is also loaded with one attribute and with one text changed, and must differ
-// from what it was there alone, and come back whole when that is undone.
+// With --edit each page is also loaded with one attribute and with one text changed, and must
+// differ from what it was there alone, and come back whole when that is undone.
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -23,9 +23,11 @@ std::string readFile(const std::string& name) {
 std::string difference(const std::string& from, const std::string& to) {
     const std::size_t shorter = std::min(from.size(), to.size());
     std::size_t begin = 0;
-    while (begin < shorter && from[begin] == to[begin]) ++begin;
+    while (begin < shorter && from[begin] == to[begin])
+        ++begin;
     std::size_t end = 0;
-    while (end < shorter - begin && from[from.size() - 1 - end] == to[to.size() - 1 - end]) ++end;
+    while (end < shorter - begin && from[from.size() - 1 - end] == to[to.size() - 1 - end])
+        ++end;
     return to.substr(begin, to.size() - begin - end);
 }
 
@@ -58,7 +60,7 @@ std::string editAttribute(Document& document) {
     Node* node = with[with.size() / 2];
     const std::string name = node->attributes().back().name;
     document.setAttribute(*node, name, "Changed-by-roundtrip");
-    return "=\"Changed-by-roundtrip\"";
+    return "Changed-by-roundtrip";
 }
 
 /** Some letters in the middle of the text in the middle of the page. */
@@ -72,7 +74,8 @@ std::string editText(Document& document) {
     if (texts.empty()) return {};
     Node* node = texts[texts.size() / 2];
     std::size_t at = node->data().size() / 2;
-    while (at > 0 && (node->data()[at] & 0xC0) == 0x80) --at;
+    while (at > 0 && (node->data()[at] & 0xC0) == 0x80)
+        --at;
     document.replaceText(*node, at, 0, "changed by roundtrip");
     return "changed by roundtrip";
 }
@@ -107,6 +110,7 @@ int main(int count, char** arguments) {
         }
     }
     std::cout << identical << " identical, " << different.size() << " different\n";
-    for (const std::string& name : different) std::cout << name << "\n";
+    for (const std::string& name : different)
+        std::cout << name << "\n";
     return different.empty() ? 0 : 1;
 }
