@@ -122,9 +122,9 @@ std::string Document::doctype() const {
     // that has bytes.
     for (const Node* node = root_->first_; node; node = node->following()) {
         if (std::string found = find(node->lead_); !found.empty()) return found;
-        if (!node->isComment() && !node->start_.empty()) break;
+        if (!node->isComment() && !node->start_.empty()) return {};
     }
-    return documentElement() ? "" : find(root_->endLead_);
+    return find(root_->endLead_);
 }
 
 bool Document::quirks() const {

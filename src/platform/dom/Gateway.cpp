@@ -93,7 +93,7 @@ void Gateway::insert(Node& parent, Node& node, Node* before) {
         Node* previous = before ? before->previous_ : parent.last_;
         if (previous) closeImplied(primitive, *previous, &node);
         if (before) closeImplied(primitive, node, before);
-        openSelfClosed(primitive, parent);
+        prepareParent(primitive, parent);
         closeUnclosedFormatting(primitive, parent, before);
     }
     perform(std::move(primitive));
@@ -126,7 +126,7 @@ void Gateway::setAttribute(Node& element, std::string_view name, std::optional<s
     if (bytes_ == Bytes::WorkOut && element.sourced_ && !element.clone_) {
         const std::string& lineEnd = document_.impl_->lineEnd;
         std::string tag;
-        if (element.start_.empty() || element.start_.starts_with("</")) {
+        if (element.start_.empty()) {
             // The tag was implied: now it has to be written, with all its attributes.
             tag = patchStartTag(canonicalStartTag(element, lineEnd), primitive.name,
                                 primitive.newValue, lineEnd);
@@ -212,7 +212,6 @@ void Gateway::closeImplied(Primitive& primitive, Node& open, const Node* next) {
     if (open.foreign_ && open.start_.ends_with("/>")) return;
     if (next->isElement() && !next->isForeign() && startEnds(open.name_, next->localName())) return;
     if (open.start_.empty() && open.is("head")) return;
-    if (open.start_.starts_with("</")) return;
     primitive.pieces.push_back(
         {&open, Piece::End, open.end_, document_.impl_->bytes.keep(endTagFor(open, open.start_))});
 }
@@ -244,18 +243,25 @@ void Gateway::closeUnclosedFormatting(Primitive& primitive, const Node& parent,
     }
 }
 
-/** "<g/>" cannot hold anything, nor can the paragraph that a stray "</p>" makes. */
-void Gateway::openSelfClosed(Primitive& primitive, Node& parent) {
-    if (!parent.sourced_) return;
+/** "<g/>" cannot hold anything, nor can the paragraph that a stray "</p>" makes; and the line end
+ *  that the parser drops at the beginning of an empty pre must not become text. */
+void Gateway::prepareParent(Primitive& primitive, Node& parent) {
+    if (!parent.sourced_ || !parent.isElement() || parent.first_) return;
+    ByteStore& bytes = document_.impl_->bytes;
+    if (dropsFirstLineEnd(parent) && (parent.endLead_ == "\n" || parent.endLead_ == "\r\n")) {
+        primitive.pieces.push_back({&parent, Piece::EndLead, parent.endLead_, {}});
+    }
     const bool selfClosed = parent.foreign_ && parent.start_.ends_with("/>");
-    if (!selfClosed && !parent.start_.starts_with("</")) return;
+    const bool stray = parent.is("p") && parent.start_.empty() && !parent.clone_;
+    if (!selfClosed && !stray) return;
     const std::string start =
         selfClosed ? std::string(parent.start_.substr(0, parent.start_.size() - 2)) + ">"
                    : canonicalStartTag(parent, document_.impl_->lineEnd);
-    ByteStore& bytes = document_.impl_->bytes;
-    const std::string end = endTagFor(parent, parent.start_);
     primitive.pieces.push_back({&parent, Piece::Start, parent.start_, bytes.keep(start)});
-    primitive.pieces.push_back({&parent, Piece::End, parent.end_, bytes.keep(end)});
+    if (parent.end_.empty()) {
+        primitive.pieces.push_back(
+            {&parent, Piece::End, parent.end_, bytes.keep(endTagFor(parent, start))});
+    }
 }
 
 /** The doctype and tags that belong to no node stand in front of some node. They stay when that

@@ -87,7 +87,7 @@ class Gateway {
 
     void closeImplied(Primitive& primitive, Node& open, const Node* next);
     void closeUnclosedFormatting(Primitive& primitive, const Node& parent, const Node* before);
-    void openSelfClosed(Primitive& primitive, Node& parent);
+    void prepareParent(Primitive& primitive, Node& parent);
     void keepLead(Primitive& primitive, Node& node);
     bool sharesStartTag(const Node& node) const;
     bool worksOut(const Node& a, const Node& b) const;

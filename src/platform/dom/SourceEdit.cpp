@@ -150,11 +150,12 @@ void SourceEdit::reconcileAttributes(Node& old, const Node& fresh) {
         return;
     }
     Gateway gateway(document_, Bytes::Given);
-    const std::vector<Attribute> before = old.attributes_;
-    for (const Attribute& attribute : before) {
-        if (!fresh.hasAttribute(attribute.name)) {
-            gateway.setAttribute(old, attribute.name, std::nullopt);
-        }
+    const auto sameName = [](const Attribute& a, const Attribute& b) { return a.name == b.name; };
+    const bool sameNames = std::equal(old.attributes_.begin(), old.attributes_.end(),
+                                      fresh.attributes_.begin(), fresh.attributes_.end(), sameName);
+    // New ones come last, so another order means to set them all again.
+    while (!sameNames && !old.attributes_.empty()) {
+        gateway.setAttribute(old, old.attributes_.back().name, std::nullopt);
     }
     for (const Attribute& attribute : fresh.attributes_) {
         gateway.setAttribute(old, attribute.name, attribute.value);

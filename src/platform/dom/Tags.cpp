@@ -119,6 +119,10 @@ bool isVoid(const Node& node) {
     return node.isElement() && !node.isForeign() && isVoidTag(node.localName());
 }
 
+bool dropsFirstLineEnd(const Node& node) {
+    return node.is("pre") || node.is("textarea") || node.is("listing");
+}
+
 bool holdsRawText(const Node& node) {
     return node.isElement() && !node.isForeign() && isRawTextTag(node.localName());
 }

@@ -23,6 +23,8 @@ bool hasOptionalEnd(std::string_view name);
 bool startEnds(std::string_view open, std::string_view next);
 
 bool isVoid(const Node& node);
+/** The parser drops a line end that comes first in it. */
+bool dropsFirstLineEnd(const Node& node);
 /** Its text is written without escaping. */
 bool holdsRawText(const Node& node);
 

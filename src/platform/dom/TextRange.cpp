@@ -212,8 +212,10 @@ bool TextRange::findText(std::string_view text, int span, int flags) {
         from = found + 1;
         while (from < searched.size() && (searched[from] & 0xC0) == 0x80)
             ++from;
-        upTo = found + length - 1;
-        if (span < 0 && upTo == 0) return false;
+        if (span < 0) {
+            upTo = found + length - 1;
+            if (upTo == 0) return false;
+        }
     }
 }
 

@@ -13,11 +13,6 @@ bool isLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/** The parser drops a line end that comes first in these. */
-bool dropsFirstLineEnd(const Node& node) {
-    return node.is("pre") || node.is("textarea") || node.is("listing");
-}
-
 }  // namespace
 
 std::string Writer::page() {
@@ -40,7 +35,7 @@ std::string Writer::outer(const Node& node) {
         return std::move(out_);
     }
     const std::string& lineEnd = document_.impl_->lineEnd;
-    const bool hasStart = node.sourced_ && !node.start_.empty() && !node.start_.starts_with("</");
+    const bool hasStart = node.sourced_ && !node.start_.empty();
     out_ += hasStart ? std::string(node.start_) : canonicalStartTag(node, lineEnd);
     writeBelow(node);
     if (!node.end_.empty() && node.sourced_) {
@@ -129,11 +124,7 @@ void Writer::writeEnd(const Node& node) {
     }
     if (isImpliedClone(node) || isVoid(node)) return;
     if (node.sourced_ && !node.clone_ && !canonical_) return;
-    const bool fromSource = node.sourced_ && !node.start_.empty();
-    if (fromSource && (node.start_.starts_with("</") || node.start_.ends_with("/>")) &&
-        (node.foreign_ || node.start_.starts_with("</"))) {
-        return;
-    }
+    if (node.sourced_ && node.foreign_ && node.start_.ends_with("/>")) return;
     out_ += "</" + node.name_ + ">";
 }
 
