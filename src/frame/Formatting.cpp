@@ -1,6 +1,7 @@
 #include "frame/Formatting.h"
 
 #include <charconv>
+#include <chrono>
 #include <cmath>
 
 namespace pw {
@@ -18,27 +19,6 @@ std::string Digits(int value, int width) {
     std::string text = std::to_string(value);
     if (int(text.size()) < width) text.insert(0, std::size_t(width) - text.size(), '0');
     return text.size() > std::size_t(width) ? text.substr(text.size() - std::size_t(width)) : text;
-}
-
-std::int64_t DaysFromCivil(int year, int month, int day) {
-    year -= month <= 2;
-    const std::int64_t era = (year >= 0 ? year : year - 399) / 400;
-    const std::int64_t yearOfEra = year - era * 400;
-    const std::int64_t dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
-    return era * 146097 + yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear - 719468;
-}
-
-void CivilFromDays(std::int64_t days, DateParts& parts) {
-    days += 719468;
-    const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
-    const std::int64_t dayOfEra = days - era * 146097;
-    const std::int64_t yearOfEra =
-        (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const std::int64_t dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const std::int64_t monthFromMarch = (5 * dayOfYear + 2) / 153;
-    parts.day = int(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1);
-    parts.month = int(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
-    parts.year = int(yearOfEra + era * 400 + (parts.month <= 2));
 }
 
 std::string LongDate(const DateParts& d) {
@@ -89,9 +69,12 @@ DateParts SplitDate(DateTime date) {
         seconds = 0;
         day += 1;
     }
-    const auto days = std::int64_t(day) - kUnixEpoch;
-    CivilFromDays(days, parts);
-    parts.weekday = int(((days + 4) % 7 + 7) % 7);
+    const std::chrono::sys_days civil{std::chrono::days(int(day) - kUnixEpoch)};
+    const std::chrono::year_month_day calendar(civil);
+    parts.year = int(calendar.year());
+    parts.month = int(unsigned(calendar.month()));
+    parts.day = int(unsigned(calendar.day()));
+    parts.weekday = int(std::chrono::weekday(civil).c_encoding());
     parts.hour = int(seconds / 3600);
     parts.minute = int(seconds / 60 % 60);
     parts.second = int(seconds % 60);
@@ -99,7 +82,8 @@ DateParts SplitDate(DateTime date) {
 }
 
 DateTime MakeDate(int year, int month, int day, int hour, int minute, int second) {
-    const auto days = double(DaysFromCivil(year, month, day) + kUnixEpoch);
+    const std::chrono::sys_days civil = std::chrono::year(year) / month / day;
+    const double days = civil.time_since_epoch().count() + kUnixEpoch;
     const double time = (hour * 3600 + minute * 60 + second) / 86400.0;
     return days < 0 ? days - time : days + time;
 }

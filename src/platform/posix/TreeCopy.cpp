@@ -18,8 +18,11 @@ namespace {
 
 constexpr std::size_t kBufferSize = 128 * 1024;
 
-FileError CopyByBuffer(int from, int to) {
+/** `size` is what is expected to be left: when so much has come, the end needs no read to be seen.
+ */
+FileError CopyByBuffer(int from, int to, std::uint64_t size) {
     thread_local std::vector<char> buffer(kBufferSize);
+    std::uint64_t total = 0;
     for (;;) {
         const ssize_t got = ::read(from, buffer.data(), buffer.size());
         if (got < 0 && errno == EINTR) continue;
@@ -31,8 +34,8 @@ FileError CopyByBuffer(int from, int to) {
             if (put < 0) return ErrorOf(errno);
             done += put;
         }
-        // A short read of a regular file is its end: this saves a call for each small file.
-        if (std::size_t(got) < buffer.size()) return FileError::None;
+        total += std::uint64_t(got);
+        if (std::size_t(got) < buffer.size() && total >= size) return FileError::None;
     }
 }
 
@@ -246,8 +249,8 @@ FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means) {
     }
     // Below this a read and a write are quicker than the set-up inside the kernel.
     constexpr std::uint64_t worthIt = 256 * 1024;
+    std::uint64_t done = 0;
     if (means.copyRange && size >= worthIt) {
-        std::uint64_t done = 0;
         while (done < size) {
             const ssize_t put = ::copy_file_range(from, nullptr, to, nullptr, size - done, 0);
             if (put < 0 && errno == EINTR) continue;
@@ -260,7 +263,7 @@ FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means) {
         if (done >= size) return FileError::None;
         // What is left goes through the buffer: both files stand where the last copy ended.
     }
-    return CopyByBuffer(from, to);
+    return CopyByBuffer(from, to, size - done);
 }
 
 FileError CopyFolderTree(const std::string& from, const std::string& to) {
