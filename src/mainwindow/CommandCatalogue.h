@@ -34,7 +34,4 @@ std::string ToolbarOfCommand(int tool);
 /** The other way round; 0 for others. */
 int CommandOfToolbar(const std::string& band);
 
-/** Icon of a picture of the main image list, which trees, lists and panels name by number. */
-std::string PictureIcon(int picture);
-
 }  // namespace pw

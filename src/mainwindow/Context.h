@@ -2,6 +2,7 @@
 // The state of the whole program that the main window's routines share, and the way from one to the
 // other. One object for each run (and for each test); nothing of it is global.
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@ namespace pw {
 class CommandBar;
 class frmDocument;
 class frmMDIMain;
+class Project;
 struct FrameContext;
 struct ProjectContext;
 
@@ -39,8 +41,12 @@ class OpenDocumentList {
 };
 
 struct MainContext {
+    MainContext(FrameContext& frameContext, ProjectContext& projectContext, frmMDIMain& mainWindow,
+                CommandBar& bar);
+
     FrameContext& frame;
     ProjectContext& project;
+    Project& model;  ///< the one project, as in `project`
     frmMDIMain& window;
     CommandBar& barMain;
 
@@ -51,8 +57,9 @@ struct MainContext {
     Pane ContextPane = Pane::Page;
     bool SelectingFromExplorer = false;  ///< the page's selection comes from the page explorer
     bool ClosingProject = false;         ///< windows go in a row: none gets to the front
-    bool FillingCombos = false;          ///< the font tools show a state; nobody chose it
     bool FormatsFilled = false;          ///< the font tools have their lists
+    std::optional<bool> WelcomeShown;    ///< the page of the empty window
+    double ConnectionChecked = -1e9;     ///< monotonic seconds
 
     /** The element last hit by the mouse or chosen in the page explorer, in the current page. */
     dom::Node* CurrentElement() const { return element_; }
@@ -70,11 +77,6 @@ struct MainContext {
   private:
     dom::Node* element_ = nullptr;
     const frmDocument* owner_ = nullptr;
-
-  public:
-    MainContext(FrameContext& frameContext, ProjectContext& projectContext, frmMDIMain& mainWindow,
-                CommandBar& bar)
-        : frame(frameContext), project(projectContext), window(mainWindow), barMain(bar) {}
 };
 
 }  // namespace pw

@@ -50,6 +50,8 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     // --- Start and end --------------------------------------------------------------------------
     /** Builds menus and toolbars and hides the progress panel. */
     void BuildBars();
+    /** The journal, and automatic saves as the settings say; again after they changed. */
+    void StartTimer();
     /** Asks to save; false keeps the program open. Decides nothing else. */
     bool Form_QueryUnload();
 
@@ -88,19 +90,27 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     void ShowStandardToolbars(int skillLevel) override;
 
     // --- For the page windows -------------------------------------------------------------------
-    /** Keeps a closed page window until the event that closed it is over. */
-    void Bury(std::unique_ptr<frmDocument> document);
+    /** Takes it out of the open documents; it dies when the event that closed it is over. */
+    void DocumentClosed(const frmDocument& document);
+    /** The page in front now comes up again when the one before it closes. */
+    void NoteActivation(const std::string& key);
     /** Count of minutes since the last automatic save, as a decimal text. */
     std::string autoSaveTag = "0";
 
   private:
-    void Connect();
+    void ConnectSurface();
+    void OpenPageWindow(const std::string& key, const std::string& title,
+                        const std::string& filename, int pageType);
+    void RaisePage(frmDocument& document, int pageType);
 
     FrameContext& frame_;
     MainWindowSurface& surface_;
     ProjectContext project_;
     MainContext context_;
     std::string caption_;
+    int busyDepth_ = 0;
+    int ticks_ = 0;                             // since the last automatic save was thought of
+    std::vector<std::string> activationOrder_;  // keys, the page in front last
     /** Weakly held by the task that empties it, which can outlive the window. */
     std::shared_ptr<std::vector<std::unique_ptr<frmDocument>>> buried_;
 };
