@@ -77,6 +77,8 @@ struct ProjectProperties {
     int LoadMode = pw::LoadMode::Everything;
 };
 
+class ProjectReader;
+
 class Project : public ProjectProperties {
   public:
     /** `files` must outlive the project. */
@@ -173,6 +175,7 @@ class Project : public ProjectProperties {
   private:
     friend class Pages;
     friend class ProjectReader;
+    friend class ProjectSaver;
     friend class ProjectWriter;
     friend class Sections;
     friend class WebSites;
@@ -182,6 +185,8 @@ class Project : public ProjectProperties {
     void Refuse(ProjectResult result) { static_cast<void>(Finish(result)); }
     void Log(const std::string& tag, const std::string& message) const;
     void Progress(int value);
+    void Unpack(ProjectReader& reader);
+    void Adopt(Project& loaded);
 
     FileSystem& files_;
     std::unique_ptr<Contents> contents_;

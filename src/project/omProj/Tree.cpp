@@ -77,7 +77,7 @@ Sections::Sections(TreeContext& tree, std::string parentKey)
 Sections::~Sections() = default;
 
 Folder* Sections::Add() {
-    const bool tooDeep = parentKey_.size() >= kMaximumDepth * kBlockWidth;
+    const bool tooDeep = parentKey_.size() > kMaximumDepth * kBlockWidth;
     if (tooDeep || IsFull()) {
         tree_.project->Refuse(tooDeep ? ProjectResult::TooDeep : ProjectResult::CollectionFull);
         return nullptr;

@@ -43,6 +43,7 @@ class PageIndex {
   private:
     friend class Page;
     friend class Pages;
+    friend class ProjectReader;
     friend class Sections;
     friend class WebSites;
     void Enter(Page& page);
