@@ -9,6 +9,9 @@ namespace pw {
 struct FrameContext;
 class MainWindowLayout;
 
+/** The file of the hive in the folder of settings. */
+constexpr const char* kSettingsFile = "settings.hive";
+
 constexpr const char* kSettingsKey = "Software\\Ombrino\\Pagewick\\2.0";
 
 /** Labels for `Settings::ConnectionSpeed`, which counts from 1. */

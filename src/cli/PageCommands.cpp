@@ -1,0 +1,166 @@
+// Commands about what a project holds: add, list, cat, rename, remove.
+#include <iostream>
+
+#include "cli/Commands.h"
+#include "cli/Output.h"
+#include "cli/Session.h"
+#include "frame/FunctionLibrary.h"
+#include "platform/Text.h"
+#include "project/AddFiles.h"
+#include "project/Folders.h"
+#include "project/Pages.h"
+
+namespace pw::cli {
+
+namespace {
+
+[[noreturn]] void FailUnknownKey(const std::string& key) {
+    throw CommandFailure{"There is no item '" + key + "' in the project. `list` tells the keys."};
+}
+
+/** Opens the project and answers its item; fails when there is none. */
+ProjectItem OpenItem(Session& session, const Invocation& invocation, const std::string& key) {
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    const ProjectItem item = GetProjectItem(session.Context(), key);
+    if (!item) FailUnknownKey(key);
+    return item;
+}
+
+std::string RelativeFile(const ProjectContext& context, const std::string& path) {
+    const std::string& root = context.frame.settings.PreviewFolder;
+    const std::string below =
+        path.size() > root.size() && path.starts_with(root) ? path.substr(root.size() + 1) : path;
+    return ReplaceAll(below, "\\", "/");
+}
+
+/** One line or one JSON object for each item, in the order of the project tree. */
+class Listing {
+  public:
+    Listing(const ProjectContext& context, bool asJson) : context_(context), asJson_(asJson) {}
+
+    void Print() {
+        if (asJson_) std::cout << "[";
+        for (WebSite& site : context_.project.WebSites())
+            PrintBelow(Container(site));
+        if (asJson_) std::cout << (count_ > 0 ? "\n]\n" : "]\n");
+    }
+
+  private:
+    void PrintBelow(const Container& container) {
+        for (const Page& page : container.PageList())
+            PrintItem(page.Key(), "page", RelativeFile(context_, page.Filename), page.Name,
+                      page.IsDefault);
+        for (Folder& folder : container.FolderList()) {
+            PrintItem(folder.Key(), "folder", ReplaceAll(folder.WorkingFolder, "\\", "/") + "/",
+                      folder.Name, false);
+            PrintBelow(Container(folder));
+        }
+    }
+
+    void PrintItem(const std::string& key, const char* kind, const std::string& file,
+                   const std::string& title, bool isDefault) {
+        if (!asJson_) {
+            std::cout << key << "\t" << OneField(file) << "\t" << OneField(title) << "\n";
+            return;
+        }
+        JsonObject json;
+        json.Add("key", key).Add("kind", kind).Add("file", file).Add("title", title);
+        json.Add("default", isDefault);
+        std::cout << (count_++ > 0 ? ",\n  " : "\n  ") << json.Text();
+    }
+
+    const ProjectContext& context_;
+    bool asJson_;
+    int count_ = 0;
+};
+
+/** A page's name is its title, in the tree and in the page itself. */
+void RenamePage(Session& session, Page& page, const std::string& name) {
+    std::string bytes;
+    FileSystem& files = session.Files();
+    const FileError read = files.Read(page.Filename, bytes);
+    const auto document =
+        read == FileError::None ? dom::Document::parse(bytes) : std::unique_ptr<dom::Document>();
+    if (!document) throw CommandFailure{"The page can not be read."};
+    document->setTitle(name);
+    const FileError written = files.Write(page.Filename, document->bytes());
+    if (written != FileError::None)
+        throw CommandFailure{"The page can not be written: " + Describe(written) + "."};
+    page.Name = page.Title = name;
+    session.Project().IsDirty = true;
+}
+
+}  // namespace
+
+void RunAdd(const Invocation& invocation) {
+    AddFilesRequest request;
+    for (const auto& path : invocation.Rest())
+        request.paths.push_back(PathFromArgument(path));
+    request.folderKey = invocation.arguments.Value("--folder");
+    request.progress = [](int done, int total) { ShowProgress("Page", done, total); };
+
+    Session session(invocation.profile);
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    const ProjectItem target = GetProjectItem(session.Context(), request.folderKey);
+    if (!request.folderKey.empty() && !target.folder && !target.site)
+        throw CommandFailure{"There is no folder '" + request.folderKey +
+                             "' in the project. `list` tells the keys."};
+    const AddFilesResult result = AddFiles(session.Context(), request);
+    EndProgress();
+    for (const auto& problem : result.problems)
+        std::cerr << ReplaceAll(problem.reason, "\\", "/") << "\n";
+    if (!result.pageKeys.empty() || result.folders > 0) session.Save();
+    std::cout << result.pageKeys.size() << (result.pageKeys.size() == 1 ? " page" : " pages")
+              << " added.\n";
+    if (!result.problems.empty()) throw CommandFailure{};
+}
+
+void RunList(const Invocation& invocation) {
+    Session session(invocation.profile);
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    Listing(session.Context(), invocation.arguments.Has("--json")).Print();
+}
+
+void RunCat(const Invocation& invocation) {
+    Session session(invocation.profile);
+    const ProjectItem item = OpenItem(session, invocation, invocation.Rest().front());
+    if (!item.page) throw CommandFailure{"'" + invocation.Rest().front() + "' is no page."};
+    std::string bytes;
+    const FileError error = session.Files().Read(item.page->Filename, bytes);
+    if (error != FileError::None)
+        throw CommandFailure{"The page can not be read: " + Describe(error) + "."};
+    std::cout.write(bytes.data(), std::streamsize(bytes.size()));
+}
+
+void RunRename(const Invocation& invocation) {
+    const std::string name = Trim(invocation.Rest().back());
+    if (name.empty()) throw UsageError{"The new name is empty."};
+    Session session(invocation.profile);
+    const ProjectItem item = OpenItem(session, invocation, invocation.Rest().front());
+    if (item.folder) {
+        std::string reason;
+        if (!RenameFolderOnDisk(session.Context(), *item.folder, name, &reason))
+            throw CommandFailure{reason};
+    } else if (item.page) {
+        RenamePage(session, *item.page, name);
+    } else {
+        throw CommandFailure{"Only folders and pages can be renamed."};
+    }
+    session.Save();
+}
+
+void RunRemove(const Invocation& invocation) {
+    Session session(invocation.profile);
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    // All or nothing: a key that is wrong must not leave half of the work done.
+    for (const auto& key : invocation.Rest()) {
+        const ProjectItem item = GetProjectItem(session.Context(), key);
+        if (!item.page && !item.folder) FailUnknownKey(key);
+    }
+    for (const auto& key : invocation.Rest())
+        if (GetProjectItem(session.Context(), key) && !RemoveProjectItem(session.Context(), key))
+            throw CommandFailure{"'" + key + "' can not be removed; nothing was changed."};
+    session.Save();
+}
+
+}  // namespace pw::cli
