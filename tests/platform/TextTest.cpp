@@ -12,10 +12,10 @@ TEST(Text, FindsWithoutRegardToCase) {
         std::size_t last;
     };
     constexpr auto npos = std::string::npos;
-    for (const Row& row : {Row{"ascii", "a<TITLE>b<title>", "<Title>", 1, 9},
-                           Row{"none", "abc", "x", npos, npos},
-                           Row{"longer than the text", "ab", "abc", npos, npos},
-                           Row{"umlaut", "x\xC3\x84y", "\xC3\xA4", 1, 1}}) {
+    for (const Row& row :
+         {Row{"ascii", "a<TITLE>b<title>", "<Title>", 1, 9}, Row{"none", "abc", "x", npos, npos},
+          Row{"longer than the text", "ab", "abc", npos, npos},
+          Row{"umlaut", "x\xC3\x84y", "\xC3\xA4", 1, 1}}) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(FindNoCase(row.text, row.what), row.first);
         EXPECT_EQ(FindLastNoCase(row.text, row.what), row.last);

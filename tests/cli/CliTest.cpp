@@ -1,0 +1,215 @@
+// Runs the real program on real files.
+#include <cstdio>
+#include <thread>
+
+#include <sys/wait.h>
+
+#include "support/LinkCheck.h"
+#include "support/TemporaryFolder.h"
+
+namespace pw {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path kManual = "/usr/share/doc/apache2-doc/manual";
+
+struct Run {
+    int code = -1;
+    std::string output;  ///< both streams
+    std::vector<std::string> Lines() const {
+        auto lines = Split(output, '\n');
+        if (!lines.empty() && lines.back().empty()) lines.pop_back();
+        return lines;
+    }
+};
+
+std::string Quoted(const std::string& word) {
+    return "'" + ReplaceAll(word, "'", "'\\''") + "'";
+}
+
+struct CliTest : testing::Test {
+    std::string CommandLine(const std::vector<std::string>& words) {
+        std::string line = Quoted(PAGEWICK_CLI) + " --profile " + Quoted(folder.Native("profile"));
+        for (const auto& word : words)
+            line += " " + Quoted(word);
+        return line;
+    }
+    Run Cli(const std::vector<std::string>& words) {
+        Run run;
+        FILE* pipe = ::popen((CommandLine(words) + " 2>&1").c_str(), "r");
+        char buffer[4096];
+        for (std::size_t read; (read = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
+            run.output.append(buffer, read);
+        const int status = ::pclose(pipe);
+        run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return run;
+    }
+    std::string Path(const std::string& name) { return folder.Native(name); }
+    /** Run folders that nobody has tidied up. */
+    int Leftovers() {
+        int count = 0;
+        for (const auto& entry : fs::recursive_directory_iterator(Path("profile")))
+            count += entry.path().filename().string().starts_with("run-") ? 1 : 0;
+        return count;
+    }
+
+    test::TemporaryFolder folder;
+};
+
+TEST_F(CliTest, DoesAWholeJob) {
+    folder.Put("in\\index.html",
+               "<title>Home\tpage</title><a href=sub/b.html>b</a><img src=a.gif>");
+    folder.Put("in\\a.gif", "picture");
+    folder.Put("in\\sub\\b.html", "<title>B</title><a href=../index.html>h</a>");
+    const std::string project = Path("my shop.pwp");
+    ASSERT_EQ(Cli({"new", project}).output, "");
+    ASSERT_EQ(Cli({"add", project, Path("in")}).output, "2 pages added.\n");
+    EXPECT_EQ(Cli({"list", project}).output,
+              "W0001P0001\tindex.htm\tHome page\n"
+              "W0001F0001\tsub/\tsub\n"
+              "W0001F0001P0001\tsub/b.htm\tB\n");
+    EXPECT_THAT(Cli({"list", "--json", project}).output,
+                testing::HasSubstr("{\"key\": \"W0001P0001\", \"kind\": \"page\", \"file\": "
+                                   "\"index.htm\", \"title\": \"Home page\", \"default\": true}"));
+    EXPECT_EQ(Cli({"cat", project, "W0001F0001P0001"}).output,
+              "<title>B</title><a href=\"../index.htm\">h</a>");
+
+    EXPECT_EQ(
+        Cli({"set", project, "companyname=Ann & Co", "VersionMajor=4", "AutoVersion=no"}).code, 0);
+    const std::string info = Cli({"info", project}).output;
+    EXPECT_THAT(info, testing::HasSubstr("Name: my shop\n"));
+    EXPECT_THAT(info, testing::HasSubstr("CompanyName: Ann & Co\n"));
+    EXPECT_THAT(info, testing::HasSubstr("PageCount: 2\n"));
+    EXPECT_THAT(Cli({"info", project, "--json"}).output,
+                testing::HasSubstr("\"VersionMajor\": 4, "));
+
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001", "texts"}).code, 0);
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "New <title>"}).code, 0);
+    EXPECT_THAT(Cli({"list", project}).output,
+                testing::HasSubstr("W0001F0001P0001\ttexts/b.htm\tNew <title>\n"));
+
+    const Run published = Cli({"publish", project, "--html", Path("out")});
+    EXPECT_EQ(published.output, Path("out/my shop") + "\n");
+    EXPECT_EQ(test::ReadNative(Path("out/my shop/media/a.gif")), "picture");
+    EXPECT_THAT(test::ReadNative(Path("out/my shop/texts/b.htm")),
+                testing::HasSubstr("<title>New &lt;title&gt;</title>"));
+
+    EXPECT_EQ(Cli({"remove", project, "W0001F0001"}).code, 0);
+    EXPECT_EQ(Cli({"list", project}).Lines().size(), 1u);
+    EXPECT_EQ(Leftovers(), 0);
+}
+
+TEST_F(CliTest, SaysWhatIsWrong) {
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    folder.Put("damaged.pwp", "SQLite format 3" + std::string(5000, 'x'));
+    const struct {
+        std::vector<std::string> words;
+        int code;
+        const char* says;
+    } rows[] = {
+        {{}, 2, "Usage: pagewick-cli"},
+        {{"--help"}, 0, "publish"},
+        {{"help", "set"}, 0, "VersionMajor"},
+        {{"add", "--help"}, 0, "--folder KEY"},
+        {{"--version"}, 0, "pagewick-cli 2"},
+        {{"fly", project}, 2, "no command 'fly'"},
+        {{"list"}, 2, "missing"},
+        {{"list", project, "x"}, 2, "'x' is too much"},
+        {{"list", project, "--fast"}, 2, "no option --fast"},
+        {{"new", project}, 1, "exists already"},
+        {{"new", Path("x.pwp"), "--name"}, 2, "needs a value"},
+        {{"new", Path("x.pwp"), "--name", "a/b"}, 2, "name"},
+        {{"new", Path("a\\b.pwp")}, 1, "backslash"},
+        {{"info", Path("no.pwp")}, 1, ""},
+        {{"list", Path("no.pwp")}, 1, "does not exist"},
+        {{"list", Path("damaged.pwp")}, 1, "can not be opened"},
+        {{"info", Path("damaged.pwp")}, 1, ""},
+        {{"cat", project, "W0001P0001"}, 1, "no item"},
+        {{"cat", project, "W0001"}, 1, "no page"},
+        {{"remove", project, "W0001"}, 1, "no item"},
+        {{"rename", project, "W0001", "x"}, 1, "Only folders and pages"},
+        {{"set", project, "Name"}, 2, "NAME=VALUE"},
+        {{"set", project, "Colour=red"}, 2, "no property 'Colour'"},
+        {{"set", project, "VersionMajor=two"}, 2, "takes a number"},
+        {{"set", project, "CreatedBy=me"}, 2, "can not be set"},
+        {{"add", project, Path("nothing")}, 1, "does not exist"},
+        {{"add", project, Path("nothing"), "--folder", "W0001F0009"}, 1, "no folder"},
+        {{"publish", project}, 2, "--html"},
+    };
+    for (const auto& row : rows) {
+        const Run run = Cli(row.words);
+        EXPECT_EQ(run.code, row.code) << run.output;
+        EXPECT_NE(run.output, "") << testing::PrintToString(row.words);
+        EXPECT_THAT(run.output, testing::HasSubstr(row.says));
+    }
+    EXPECT_EQ(Cli({"list", project}).output, "") << "nothing of this has changed the project";
+    EXPECT_EQ(Leftovers(), 0);
+}
+
+TEST_F(CliTest, TakesTheManualInAndPublishesItWhole) {
+    if (!fs::exists(kManual / "en")) GTEST_SKIP() << "needs the package apache2-doc";
+    const std::string project = Path("manual.pwp");
+    ASSERT_EQ(Cli({"new", project, "--name", "Manual"}).code, 0);
+    const Run added = Cli({"add", project, (kManual / "en").string()});
+    ASSERT_EQ(added.code, 0) << added.output;
+    const Run published = Cli({"publish", project, "--html", Path("out")});
+    ASSERT_EQ(published.code, 0) << published.output;
+    const fs::path site = Path("out/Manual");
+
+    const auto pages = test::PagesBelow(kManual / "en");
+    EXPECT_EQ(Cli({"list", project}).Lines().size(),
+              pages.size() + std::size_t(std::count_if(
+                                 fs::recursive_directory_iterator(kManual / "en"), {},
+                                 [](const auto& entry) { return entry.is_directory(); })));
+    // Every link of the source that leads to a page of the manual or to a picture, style sheet or
+    // script stands in the result, at the same place, and leads to the same.
+    int followed = 0;
+    for (const auto& page : pages) {
+        fs::path result = site / fs::relative(page, kManual / "en");
+        result.replace_extension(".htm");
+        const auto before = test::LocalLinks(page);
+        const auto after = test::LocalLinks(result);
+        ASSERT_EQ(before.size(), after.size()) << page;
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            const bool isPage = IsPageFilename(before[i].target.string());
+            const bool isInside = before[i].target.string().starts_with((kManual / "en/").string());
+            if (!before[i].exists || (isPage && !isInside)) {
+                EXPECT_EQ(after[i].value, before[i].value) << page;
+                continue;
+            }
+            ++followed;
+            EXPECT_TRUE(after[i].exists)
+                << page << ": " << before[i].value << " became " << after[i].value;
+            EXPECT_EQ(after[i].anchor, before[i].anchor);
+            if (isPage) {
+                fs::path wanted = site / fs::relative(before[i].target, kManual / "en");
+                EXPECT_EQ(after[i].target, wanted.replace_extension(".htm"));
+            } else if (before[i].target.extension() != ".css") {
+                EXPECT_EQ(test::ReadNative(after[i].target), test::ReadNative(before[i].target));
+            }
+        }
+    }
+    EXPECT_GT(followed, 10000);
+    EXPECT_TRUE(fs::exists(site / "media/manual.css"));
+}
+
+TEST_F(CliTest, RefusesAProjectThatIsInUse) {
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    for (int i = 0; i < 300; ++i)
+        folder.Put("in\\p" + std::to_string(i) + ".html", "<title>x</title>");
+    // One that reads its output slowly holds the project.
+    FILE* first = ::popen((CommandLine({"add", project, Path("in")}) + " 2>&1").c_str(), "r");
+    Run second;
+    for (int i = 0; i < 200 && second.code != 1; ++i)
+        second = Cli({"set", project, "Name=other"});
+    ::pclose(first);
+    EXPECT_EQ(second.code, 1);
+    EXPECT_THAT(second.output, testing::HasSubstr("open"));
+    EXPECT_EQ(Cli({"list", project}).Lines().size(), 300u);
+}
+
+}  // namespace
+}  // namespace pw
