@@ -78,6 +78,8 @@ class Control {
     const std::string& Caption() const { return caption_; }
     void SetCaption(std::string caption);
     void SetFocus() { Notify(Aspect::Focus); }
+    /** Shows a changed tag, tool tip, maximal length or "read only", which tell nobody. */
+    void Refresh() { Notify(Aspect::Caption); }
 
     std::string tag;      ///< for the logic's use
     std::string toolTip;  ///< "" leaves the form's own

@@ -328,7 +328,7 @@ void TreeView::Clear() {
 }
 
 void TreeView::BeginUpdate() {
-    ++updating_;
+    if (updating_++ == 0 && treeObserver_) treeObserver_->TreeAboutToBeReset();
 }
 
 void TreeView::EndUpdate() {

@@ -289,6 +289,8 @@ struct TreeNode {
 class TreeObserver {
   public:
     virtual ~TreeObserver() = default;
+    /** From here until TreeReset the nodes may go without further word: look at none of them. */
+    virtual void TreeAboutToBeReset() = 0;
     virtual void TreeReset() = 0;
     virtual void NodeAboutToBeAdded(TreeNode* parent, std::size_t index) = 0;
     virtual void NodeAdded() = 0;

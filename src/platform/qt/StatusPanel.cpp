@@ -1,0 +1,68 @@
+#include "platform/qt/StatusPanel.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+#include "platform/qt/ImageList.h"
+
+namespace pw {
+
+StatusPanel::StatusPanel(QWidget* parent)
+    : QFrame(parent), icon_(new QLabel(this)), label_(new QLabel(this)) {
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(6, 0, 6, 0);
+    layout->setSpacing(6);
+    layout->addWidget(icon_);
+    layout->addWidget(label_, 1);
+    label_->setTextFormat(Qt::PlainText);
+    label_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    icon_->hide();
+}
+
+void StatusPanel::setText(const QString& text) {
+    text_ = text;
+    setAccessibleName(text);
+    showText();
+}
+
+void StatusPanel::setImage(int image) {
+    if (image_ == image) return;
+    image_ = image;
+    showImage();
+}
+
+void StatusPanel::showImage() {
+    const QIcon icon = imageIcon(image_);
+    icon_->setVisible(!icon.isNull());
+    icon_->setPixmap(icon.pixmap(QSize(16, 16), devicePixelRatioF()));
+}
+
+void StatusPanel::showText() {
+    label_->setText(label_->fontMetrics().elidedText(text_, Qt::ElideRight, label_->width()));
+    updateGeometry();
+}
+
+void StatusPanel::mousePressEvent(QMouseEvent* event) {
+    emit pressed(event->globalPosition().toPoint());
+}
+
+void StatusPanel::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Space || event->key() == Qt::Key_Return) {
+        emit pressed(mapToGlobal(QPoint(0, 0)));
+    } else {
+        QFrame::keyPressEvent(event);
+    }
+}
+
+void StatusPanel::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    showText();
+}
+
+void StatusPanel::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange) showImage();
+}
+
+}  // namespace pw
