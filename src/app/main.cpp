@@ -1,1 +1,5 @@
-int main() { return 0; }
+#include <QApplication>
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    return 0;
+}

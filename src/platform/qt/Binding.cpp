@@ -406,8 +406,9 @@ std::unique_ptr<Binding> makeBinding(Control& control, QWidget& widget) {
             return makeIfFits<FrameBinding>(control, widget);
         case ControlKind::UpDown:
             return makeIfFits<UpDownBinding>(control, widget);
+        default:
+            return nullptr;
     }
-    return nullptr;
 }
 
 }  // namespace pw

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProgressBar>
+#include <QTabBar>
 #include <QTextEdit>
 #include <QUiLoader>
 
@@ -106,9 +107,10 @@ void FormBinder::findStrays(const ControlOwner& owner, const QWidget& parent) {
     for (const QObject* child : parent.children()) {
         const auto* widget = qobject_cast<const QWidget*>(child);
         if (!widget) continue;
-        // Widgets of Qt's own inside others, such as the bar of a tab widget.
-        const bool internal =
-            widget->objectName().isEmpty() || widget->objectName().startsWith(u"qt_");
+        // Widgets of Qt's own inside others, such as the buttons of a tab bar.
+        const bool internal = widget->objectName().isEmpty() ||
+                              widget->objectName().startsWith(u"qt_") ||
+                              qobject_cast<const QTabBar*>(&parent);
         if (isWorking(*widget)) {
             if (!internal && !owner.Find(fromQt(widget->objectName()))) {
                 report_.widgetsWithoutControl << widget->objectName();

@@ -70,6 +70,10 @@ ModalForm::~ModalForm() {
     dialog_.onTitleChanged = nullptr;
 }
 
+QDialog& ModalForm::window() {
+    return *window_;
+}
+
 void ModalForm::chooseDefaultButton() {
     auto* ok = window_->findChild<QPushButton*>(QStringLiteral("cmdOK"));
     if (ok) ok->setDefault(true);

@@ -19,7 +19,7 @@ class ModalForm {
 
     /** From Form_Load to Form_Unload. */
     void run();
-    QDialog& window() { return *window_; }
+    QDialog& window();
     const BindingReport& report() const { return binder_->report(); }
 
   private:

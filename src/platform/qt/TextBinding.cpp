@@ -73,7 +73,9 @@ class TextBinding : public Binding {
 
     void takeOver() {
         if (showing()) return;
+        typing_ = true;
         model_.UserSetText(toModel(widgetText()));
+        typing_ = false;
     }
 
     void takeSelection() {
@@ -101,11 +103,11 @@ class TextBinding : public Binding {
         if (line_) {
             const qsizetype caret = line_->cursorPosition() - refused;
             line_->setText(wanted);
-            if (line_->hasFocus()) line_->setCursorPosition(int(qMax<qsizetype>(0, caret)));
+            if (typing_) line_->setCursorPosition(int(qMax<qsizetype>(0, caret)));
         } else {
             const qsizetype caret = box_->textCursor().position() - refused;
             box_->setPlainText(wanted);
-            if (box_->hasFocus()) {
+            if (typing_) {
                 QTextCursor cursor = box_->textCursor();
                 cursor.setPosition(int(qBound<qsizetype>(0, caret, wanted.size())));
                 box_->setTextCursor(cursor);
@@ -131,6 +133,7 @@ class TextBinding : public Binding {
     TextBox& model_;
     QLineEdit* line_;
     QPlainTextEdit* box_;
+    bool typing_ = false;
 };
 
 }  // namespace

@@ -1,0 +1,47 @@
+#include "platform/qt/ExplorerPane.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QStyle>
+#include <QVBoxLayout>
+
+namespace pw {
+
+ExplorerPane::ExplorerPane(const QString& name, const QString& title, QWidget* content,
+                           QWidget* parent)
+    : QFrame(parent) {
+    setObjectName(name);
+    auto* heading = new QLabel(title, this);
+    QFont bold = heading->font();
+    bold.setBold(true);
+    heading->setFont(bold);
+    heading->setBuddy(content);
+    auto* close = new QToolButton(this);
+    close->setIcon(QIcon::fromTheme(QStringLiteral("window-close")));
+    close->setIconSize(QSize(16, 16));
+    close->setAutoRaise(true);
+    close->setToolTip(tr("Hide"));
+    close->setAccessibleName(tr("Hide %1").arg(title));
+    connect(close, &QToolButton::clicked, this, &ExplorerPane::closePressed);
+
+    auto* bar = new QHBoxLayout;
+    bar->setContentsMargins(8, 2, 2, 2);
+    bar->addWidget(heading, 1);
+    bar->addWidget(close);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addLayout(bar);
+    content->setParent(this);
+    content->setAccessibleName(title);
+    content->installEventFilter(this);
+    column->addWidget(content, 1);
+    setFocusProxy(content);
+}
+
+bool ExplorerPane::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::FocusIn) emit contentFocused();
+    return false;
+}
+
+}  // namespace pw

@@ -1,0 +1,127 @@
+#include "platform/qt/PreviewView.h"
+
+#include <QChildEvent>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QVBoxLayout>
+#include <QWebEnginePage>
+#include <QWebEngineSettings>
+#include <QWebEngineView>
+
+#include "platform/dom/Document.h"
+#include "platform/qt/QtText.h"
+
+namespace pw {
+
+namespace {
+
+/** What the browser's own way of showing a text takes at most, once it is encoded. */
+constexpr qsizetype largestDirect = 600'000;
+
+}  // namespace
+
+class PreviewView::Page : public QWebEnginePage {
+  public:
+    explicit Page(PreviewView& owner) : QWebEnginePage(&owner), owner_(owner) {}
+
+  protected:
+    bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool mainFrame) override {
+        if (type != NavigationTypeLinkClicked) {
+            return QWebEnginePage::acceptNavigationRequest(url, type, mainFrame);
+        }
+        const std::string href = fromQt(url.toString());
+        return !owner_.events.clicked || owner_.events.clicked(href, std::string());
+    }
+    // There are no windows but this one.
+    QWebEnginePage* createWindow(WebWindowType) override { return this; }
+
+  private:
+    PreviewView& owner_;
+};
+
+PreviewView::PreviewView(QWidget* parent) : QWidget(parent) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+}
+
+QWebEngineView& PreviewView::view() {
+    if (view_) return *view_;
+    view_ = new QWebEngineView(this);
+    auto* page = new Page(*this);
+    view_->setPage(page);
+    page->settings()->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
+    view_->setContextMenuPolicy(Qt::NoContextMenu);
+    view_->installEventFilter(this);
+    layout()->addWidget(view_);
+    setFocusProxy(view_);
+    connect(page, &QWebEnginePage::loadStarted, this, [this] { loading_ = true; });
+    connect(page, &QWebEnginePage::loadFinished, this, [this] {
+        loading_ = false;
+        if (events.loaded) events.loaded();
+    });
+    return *view_;
+}
+
+void PreviewView::showHtml(const std::string& html, const std::string& baseUrl) {
+    const QString text = toQt(html);
+    const QUrl base(toQt(baseUrl));
+    loading_ = true;
+    if (text.size() <= largestDirect) {
+        view().setHtml(text, base);
+        return;
+    }
+    // A large page is written into an empty one.
+    QWebEnginePage* page = view().page();
+    connect(
+        page, &QWebEnginePage::loadFinished, this,
+        [page, text] {
+            const QByteArray argument =
+                QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact);
+            page->runJavaScript(QStringLiteral("document.open();document.write(%1[0]);"
+                                               "document.close()")
+                                    .arg(QString::fromUtf8(argument)));
+        },
+        Qt::SingleShotConnection);
+    view().setHtml(QStringLiteral("<!doctype html><title></title>"), base);
+}
+
+void PreviewView::Show(dom::Document& document, const std::string& baseUrl) {
+    showHtml(document.html(), baseUrl);
+}
+
+CommandState PreviewView::QueryState(const std::string& command) const {
+    const bool can = command == "copy" || command == "selectAll";
+    return can ? CommandState::Enabled : CommandState::NotSupported;
+}
+
+bool PreviewView::Execute(const std::string& command, const std::string&) {
+    if (QueryState(command) != CommandState::Enabled) return false;
+    view().triggerPageAction(command == "copy" ? QWebEnginePage::Copy : QWebEnginePage::SelectAll);
+    return true;
+}
+
+void PreviewView::SetFocus() {
+    view().setFocus();
+}
+
+void PreviewView::Refresh() {
+    if (view_) view_->reload();
+}
+
+bool PreviewView::Capture(const std::string& path) {
+    return view_ && view_->grab().save(toNativeQt(path), "JPEG", 85);
+}
+
+bool PreviewView::eventFilter(QObject* watched, QEvent* event) {
+    // The browser takes its events in a child of its own, made anew with each page.
+    if (event->type() == QEvent::ChildAdded) {
+        static_cast<QChildEvent*>(event)->child()->installEventFilter(this);
+    } else if (event->type() == QEvent::MouseButtonPress && events.mouseDown) {
+        events.mouseDown(nullptr);
+    } else if (event->type() == QEvent::FocusIn && watched != view_ && events.focused) {
+        events.focused();
+    }
+    return false;
+}
+
+}  // namespace pw
