@@ -3,6 +3,7 @@
 // none: an HtmlEditor works without a surface, and then formatting commands are not available.
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/dom/Document.h"
 
@@ -55,6 +56,15 @@ class EditorSurface {
         std::function<void(const KeyPress&)> keyUp;
         std::function<void()> doubleClick;
         std::function<void()> focused;
+        /** The user asked for a command with a key or menu of the view's own: "undo", "redo",
+         *  "cut", "copy" or "paste". The view itself does none of them. */
+        std::function<void(const std::string& name)> command;
+        /** Markup or text from elsewhere was dropped; the caret stands where. Not yet cleaned. */
+        std::function<void(const std::string& html, const std::string& text)> dropped;
+        /** Files were dropped; paths with backslashes. The caret stands where. */
+        std::function<void(const std::vector<std::string>& paths)> filesDropped;
+        /** A picture without a file was pasted: the bytes of a PNG. */
+        std::function<void(const std::string& png)> imagePasted;
         /** Preview only: a link was clicked. True lets the navigation go on. */
         std::function<bool(const std::string& href, const std::string& parentHref)> clicked;
     };

@@ -1,0 +1,526 @@
+#include "platform/qt/editor/EditorView.h"
+
+#include <QApplication>
+#include <QBuffer>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QImage>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMimeData>
+#include <QPixmap>
+#include <QPointer>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QWebEnginePage>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
+#include <QWebEngineSettings>
+
+#include "platform/FileSystem.h"
+#include "platform/qt/editor/EditorBridge.h"
+
+namespace pw {
+
+namespace {
+
+constexpr int kWorld = QWebEngineScript::ApplicationWorld;
+constexpr int kDeathsInARow = 3;
+/** A key on its way to the renderer is waited for this long, in milliseconds. */
+constexpr int kKeyGrace = 150;
+
+/** The page of the editor goes nowhere: whatever would leave it is a link in the text. */
+class EditorPage : public QWebEnginePage {
+  public:
+    using QWebEnginePage::QWebEnginePage;
+    bool allowed = false;  ///< while the program itself loads
+
+  protected:
+    bool acceptNavigationRequest(const QUrl&, NavigationType type, bool mainFrame) override {
+        if (mainFrame) return allowed;
+        return type != NavigationTypeLinkClicked && type != NavigationTypeFormSubmitted;
+    }
+    QWebEnginePage* createWindow(WebWindowType) override { return nullptr; }
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& message,
+                                  int line, const QString& source) override {
+        if (level == ErrorMessageLevel)
+            qWarning("%s:%d %s", qPrintable(source), line, qPrintable(message));
+    }
+};
+
+QString scriptText(const char* name) {
+    QFile file(QStringLiteral(":/editor/") + QLatin1String(name));
+    if (!file.open(QIODevice::ReadOnly)) qFatal("The editor's script %s is missing", name);
+    return QString::fromUtf8(file.readAll());
+}
+
+void addScripts(QWebEnginePage& page) {
+    QWebEngineScript script;
+    script.setName(QStringLiteral("editor"));
+    script.setWorldId(kWorld);
+    script.setInjectionPoint(QWebEngineScript::DocumentReady);
+    script.setRunsOnSubFrames(false);
+    QString source;
+    for (const char* name : {"editor.js", "input.js", "chrome.js"})
+        source += scriptText(name);
+    script.setSourceCode(source + QStringLiteral("\npw.begin();\n"));
+    page.scripts().insert(script);
+}
+
+/** A value as the literal of a script. */
+QString literal(const QString& text) {
+    QString result = QStringLiteral("\"");
+    for (const QChar c : text) {
+        const ushort code = c.unicode();
+        if (code == '"' || code == '\\')
+            result += QLatin1Char('\\') + c;
+        else if (code < 0x20 || code == 0x2028 || code == 0x2029)
+            result += QStringLiteral("\\u%1").arg(code, 4, 16, QLatin1Char('0'));
+        else
+            result += c;
+    }
+    return result + QLatin1Char('"');
+}
+
+QUrl urlOf(const QString& base) {
+    return base.isEmpty() ? QUrl(QStringLiteral("about:blank")) : QUrl(base);
+}
+
+}  // namespace
+
+// --- The browser widget
+// ---------------------------------------------------------------------------
+
+void EditorWebView::dropEvent(QDropEvent* event) {
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls())
+        if (url.isLocalFile()) paths << url.toLocalFile();
+    if (paths.isEmpty()) {
+        QWebEngineView::dropEvent(event);
+        return;
+    }
+    event->acceptProposedAction();
+    emit filesDropped(event->position().toPoint(), paths);
+}
+
+void EditorWebView::contextMenuEvent(QContextMenuEvent* event) {
+    // The page reports it, with what was hit; the browser's own menu has no place here.
+    event->accept();
+}
+
+// --- Making and showing
+// ---------------------------------------------------------------------------
+
+EditorView::EditorView(QWidget* parent)
+    : QWidget(parent), view_(new EditorWebView(this)), bridge_(new EditorBridge(this)) {
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view_);
+    auto* page = new EditorPage(view_);
+    page->settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
+    page->settings()->setAttribute(QWebEngineSettings::PluginsEnabled, false);
+    page->settings()->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
+    addScripts(*page);
+    channel_.registerObject(QStringLiteral("editor"), bridge_);
+    page->setWebChannel(&channel_, kWorld);
+    view_->setPage(page);
+    setFocusProxy(view_);
+    connectBridge();
+    connect(page, &QWebEnginePage::renderProcessTerminated, this, [this] { rendererDied(); });
+    connect(view_, &EditorWebView::filesDropped, this,
+            [this](const QPoint& at, const QStringList& paths) {
+                run(QStringLiteral("pw.caretAt(%1,%2)").arg(at.x()).arg(at.y()));
+                std::vector<std::string> files;
+                for (const QString& path : paths)
+                    files.push_back(FromNativePath(path.toStdString()));
+                post([this, files] {
+                    Flush();
+                    if (events.filesDropped) events.filesDropped(files);
+                });
+            });
+    qApp->installEventFilter(this);
+}
+
+EditorView::~EditorView() {
+    qApp->removeEventFilter(this);
+    // The page must go before the profile and the channel do.
+    projection_.reset();
+    delete view_;
+}
+
+void EditorView::connectBridge() {
+    connect(bridge_, &EditorBridge::isReady, this, &EditorView::viewReady);
+    connect(bridge_, &EditorBridge::hasBatch, this, &EditorView::takeBatch);
+    connect(bridge_, &EditorBridge::hasState, this, &EditorView::takeState);
+    connect(bridge_, &EditorBridge::hasApplied, this, [this](int message) {
+        if (!projection_) return;
+        projection_->acknowledge(static_cast<std::uint32_t>(message));
+        if (life_ == Life::Loading && prepared_.empty()) {
+            life_ = Life::Alive;
+            deaths_ = 0;
+            post([this] {
+                if (events.loaded) events.loaded();
+            });
+        }
+    });
+    connect(bridge_, &EditorBridge::isLost, this, [this](int message) {
+        if (projection_) projection_->viewIsLost(static_cast<std::uint32_t>(message));
+    });
+    connect(bridge_, &EditorBridge::hasSynced, this, [this](int token, int keys) {
+        syncedToken_ = token;
+        keysSeen_ = keys;
+    });
+    connect(bridge_, &EditorBridge::hasExecuted, this, [this](int token, bool done) {
+        executedToken_ = token;
+        executedDone_ = done;
+    });
+    connect(bridge_, &EditorBridge::mouseMoved, this, &EditorView::dispatchMouse);
+    connect(bridge_, &EditorBridge::keyReleased, this, &EditorView::dispatchKey);
+    connect(bridge_, &EditorBridge::commandAsked, this, &EditorView::dispatchCommand);
+    connect(bridge_, &EditorBridge::markupDropped, this,
+            [this](const QString& html, const QString& text) {
+                post([this, html = html.toStdString(), text = text.toStdString()] {
+                    if (events.dropped) events.dropped(html, text);
+                });
+            });
+    connect(bridge_, &EditorBridge::hasFocus, this, [this] {
+        post([this] {
+            if (events.focused) events.focused();
+        });
+    });
+}
+
+void EditorView::Show(dom::Document& document, const std::string& baseUrl) {
+    document_ = &document;
+    projection_ = std::make_unique<dom::Projection>(document);
+    projection_->onOutgoing = [this] { sendSoon(); };
+    baseUrl_ = QString::fromStdString(baseUrl);
+    deaths_ = 0;
+    loadSkeleton();
+}
+
+// The doctype and the base address can only be had by a load; everything else is built by script.
+void EditorView::loadSkeleton() {
+    life_ = Life::Loading;
+    ++generation_;
+    keysSent_ = keysSeen_ = 0;
+    states_.clear();
+    values_.clear();
+    const QString doctype = QString::fromStdString(document_->doctype());
+    const QString html = QStringLiteral("%1<html id=\"pw-%2\"><head></head><body></body></html>")
+                             .arg(doctype)
+                             .arg(generation_);
+    auto* page = static_cast<EditorPage*>(view_->page());
+    page->allowed = true;
+    page->setHtml(html, urlOf(baseUrl_));
+    // While the renderer starts there is time to write the page out.
+    prepared_ = projection_->snapshot();
+    preparedRevision_ = document_->revision();
+}
+
+void EditorView::viewReady(int token) {
+    if (token != generation_ || life_ != Life::Loading || !projection_) return;
+    static_cast<EditorPage*>(view_->page())->allowed = false;
+    if (document_->revision() != preparedRevision_) prepared_ = projection_->snapshot();
+    configure();
+    run(QStringLiteral("pw.load(%1)").arg(QString::fromStdString(prepared_)));
+    prepared_.clear();
+}
+
+void EditorView::Refresh() {
+    if (!document_) return;
+    if (life_ == Life::Alive) Flush();
+    deaths_ = 0;
+    loadSkeleton();
+}
+
+void EditorView::rendererDied() {
+    if (!document_) {
+        life_ = Life::Empty;
+        return;
+    }
+    life_ = Life::Dead;
+    if (++deaths_ > kDeathsInARow) {
+        // A page that kills every renderer can still be edited as source.
+        qWarning("The browser engine fails on this page again and again; it is not shown");
+        post([this] {
+            if (events.loaded) events.loaded();
+        });
+        return;
+    }
+    const int generation = generation_;
+    QTimer::singleShot(0, this, [this, generation] {
+        if (life_ == Life::Dead && generation == generation_) loadSkeleton();
+    });
+}
+
+// --- The wire
+// -------------------------------------------------------------------------------------
+
+void EditorView::run(const QString& script) {
+    view_->page()->runJavaScript(script, kWorld);
+}
+
+void EditorView::post(std::function<void()> event) {
+    QMetaObject::invokeMethod(this, std::move(event), Qt::QueuedConnection);
+}
+
+void EditorView::sendSoon() {
+    if (sendPosted_) return;
+    sendPosted_ = true;
+    post([this] {
+        sendPosted_ = false;
+        sendOutgoing();
+    });
+}
+
+void EditorView::sendOutgoing() {
+    if (life_ != Life::Alive || !projection_) return;
+    const std::string message = projection_->takeOutgoing();
+    if (message.empty()) return;
+    run(QStringLiteral("pw.apply(%1)").arg(QString::fromStdString(message)));
+}
+
+void EditorView::takeBatch(const QString& json) {
+    if (!projection_) return;
+    const QByteArray bytes = json.toUtf8();
+    const auto result = projection_->applyBatch({bytes.constData(), std::size_t(bytes.size())});
+    if (result != dom::Projection::Result::Applied) {
+        run(QStringLiteral("pw.sendAll()"));
+        return;
+    }
+    reportChanged();
+}
+
+void EditorView::takeState(const QString& json) {
+    const QJsonObject message = QJsonDocument::fromJson(json.toUtf8()).object();
+    states_.clear();
+    values_.clear();
+    const QJsonObject states = message[QLatin1String("states")].toObject();
+    for (auto it = states.begin(); it != states.end(); ++it)
+        states_[it.key()] = it.value().toInt();
+    const QJsonObject values = message[QLatin1String("values")].toObject();
+    for (auto it = values.begin(); it != values.end(); ++it)
+        values_[it.key()] = it.value().toString();
+    reportChanged();
+}
+
+void EditorView::reportChanged() {
+    if (changedPosted_) return;
+    changedPosted_ = true;
+    post([this] {
+        changedPosted_ = false;
+        if (events.changed) events.changed();
+    });
+}
+
+// --- Waiting
+// --------------------------------------------------------------------------------------
+
+bool EditorView::Busy() const {
+    return life_ == Life::Loading || (life_ == Life::Dead && deaths_ <= kDeathsInARow) ||
+           (life_ == Life::Alive && !projection_->settled());
+}
+
+bool EditorView::waitFor(const std::function<bool()>& condition) {
+    const QPointer<EditorView> self(this);
+    const int generation = generation_;
+    while (!condition()) {
+        if (life_ == Life::Dead || life_ == Life::Empty || generation != generation_) return false;
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                        QEventLoop::WaitForMoreEvents);
+        if (!self) return false;
+    }
+    return true;
+}
+
+void EditorView::Flush() {
+    if (!document_ || life_ == Life::Empty) return;
+    const QPointer<EditorView> self(this);
+    while (life_ == Life::Loading || (life_ == Life::Dead && deaths_ <= kDeathsInARow)) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                        QEventLoop::WaitForMoreEvents);
+        if (!self) return;
+    }
+    QElapsedTimer grace;
+    grace.start();
+    while (life_ == Life::Alive) {
+        sendOutgoing();
+        const int token = ++lastToken_;
+        run(QStringLiteral("pw.sync(%1,true)").arg(token));
+        if (!waitFor([&] { return syncedToken_ >= token; })) return;
+        if (!waitFor([&] { return projection_->settled() || projection_->hasOutgoing(); })) return;
+        if (keysSeen_ < keysSent_) {
+            // A key press takes another way to the page than this question does.
+            if (grace.elapsed() < kKeyGrace) {
+                QElapsedTimer pause;
+                pause.start();
+                while (pause.elapsed() < 4 && self)
+                    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 4);
+                if (!self) return;
+                continue;
+            }
+            keysSent_ = keysSeen_;  // it was taken by somebody else
+        }
+        if (projection_->settled()) return;
+    }
+}
+
+bool EditorView::eventFilter(QObject* watched, QEvent* event) {
+    const auto inView = [&] {
+        auto* widget = qobject_cast<QWidget*>(watched);
+        return widget && (widget == view_ || widget == view_->focusProxy());
+    };
+    if (event->type() == QEvent::ShortcutOverride && inView()) {
+        // The browser claims the keys of its own commands. They are commands of the program here.
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) {
+            event->ignore();
+            return true;
+        }
+    } else if (event->type() == QEvent::KeyPress && watched == view_->focusProxy()) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (!key->isAutoRepeat()) ++keysSent_;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+// --- Commands
+// -------------------------------------------------------------------------------------
+
+CommandState EditorView::QueryState(const std::string& command) const {
+    if (life_ != Life::Alive) return CommandState::Disabled;
+    const auto found = states_.find(QString::fromStdString(command));
+    if (found == states_.end()) return CommandState::NotSupported;
+    return static_cast<CommandState>(*found);
+}
+
+std::string EditorView::QueryValue(const std::string& command) const {
+    return values_.value(QString::fromStdString(command)).toStdString();
+}
+
+bool EditorView::Execute(const std::string& command, const std::string& argument) {
+    if (!document_) return false;
+    Flush();
+    if (life_ != Life::Alive) return false;
+    if (command == "pasteImage") {
+        const QImage image = qApp->clipboard()->image();
+        if (image.isNull() || !events.imagePasted) return false;
+        QBuffer png;
+        if (!png.open(QIODevice::WriteOnly) || !image.save(&png, "PNG")) return false;
+        events.imagePasted(png.data().toStdString());
+        return true;
+    }
+    document_->sealStep();
+    const int token = ++lastToken_;
+    // Over thousands of blocks the engine takes seconds.
+    QTimer hourglass;
+    hourglass.setSingleShot(true);
+    bool waiting = false;
+    connect(&hourglass, &QTimer::timeout, this, [&waiting] {
+        waiting = true;
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    });
+    hourglass.start(200);
+    run(QStringLiteral("pw.execute(%1,%2,%3)")
+            .arg(token)
+            .arg(literal(QString::fromStdString(command)),
+                 literal(QString::fromStdString(argument))));
+    const bool answered = waitFor([&] { return executedToken_ >= token; });
+    if (waiting) QApplication::restoreOverrideCursor();
+    document_->sealStep();
+    return answered && executedDone_;
+}
+
+// --- What happens in the view
+// ---------------------------------------------------------------------
+
+void EditorView::dispatchMouse(const QString& what, qint64 node) {
+    if (what == QLatin1String("menu")) {
+        post([this] {
+            if (events.contextMenu) events.contextMenu();
+        });
+        return;
+    }
+    const std::pair<const char*, std::function<void()> EditorSurface::Events::*> table[] = {
+        {"up", &EditorSurface::Events::mouseUp},
+        {"over", &EditorSurface::Events::mouseOver},
+        {"double", &EditorSurface::Events::doubleClick}};
+    for (const auto& [name, member] : table)
+        if (what == QLatin1String(name))
+            post([this, member = member] {
+                if (events.*member) (events.*member)();
+            });
+    if (what == QLatin1String("down"))
+        post([this, node] {
+            if (!events.mouseDown || !projection_) return;
+            dom::Node* hit = projection_->nodeOfView(node);
+            events.mouseDown(hit && hit->isText() ? hit->parentElement() : hit);
+        });
+}
+
+void EditorView::dispatchKey(int code, bool alt, bool control, bool shift) {
+    post([this, press = KeyPress{code, alt, control, shift}] {
+        if (events.keyUp) events.keyUp(press);
+    });
+}
+
+void EditorView::dispatchCommand(const QString& name) {
+    post([this, name = name.toStdString()] {
+        if (events.command) events.command(name);
+    });
+}
+
+// --- Settings and pictures
+// ------------------------------------------------------------------------
+
+void EditorView::configure() {
+    const auto flag = [](bool on) { return on ? QStringLiteral("true") : QStringLiteral("false"); };
+    run(QStringLiteral("pw.configure({gridX:%1,gridY:%2,snap:%3,borders:%4,tags:%5})")
+            .arg(gridX_)
+            .arg(gridY_)
+            .arg(flag(snap_), flag(borders_), flag(tags_)));
+}
+
+void EditorView::SetFocus() {
+    view_->setFocus();
+    if (life_ == Life::Alive) run(QStringLiteral("pw.ensureCaret()"));
+}
+
+void EditorView::ScrollIntoView(const dom::Node& element) {
+    if (life_ != Life::Alive) return;
+    sendOutgoing();
+    run(QStringLiteral("pw.scrollTo(%1)").arg(projection_->viewId(&element)));
+}
+
+void EditorView::SetGrid(int x, int y) {
+    gridX_ = x;
+    gridY_ = y;
+    if (life_ == Life::Alive) configure();
+}
+
+void EditorView::SetShowBorders(bool show) {
+    borders_ = show;
+    if (life_ == Life::Alive) configure();
+}
+
+void EditorView::SetShowTags(bool show) {
+    tags_ = show;
+    if (life_ == Life::Alive) configure();
+}
+
+void EditorView::SetSnapToGrid(bool snap) {
+    snap_ = snap;
+    if (life_ == Life::Alive) configure();
+}
+
+bool EditorView::Capture(const std::string& path) {
+    if (life_ == Life::Alive) Flush();
+    const QPixmap picture = view_->grab();
+    return !picture.isNull() && picture.save(QString::fromStdString(ToNativePath(path)), "JPG", 90);
+}
+
+}  // namespace pw

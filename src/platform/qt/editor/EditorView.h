@@ -1,0 +1,111 @@
+#pragma once
+// The page as the user sees and edits it: a browser view that shows a dom::Document and sends back
+// what is typed into it. The document is the truth; the view can die and is shown anew from it.
+#include <QHash>
+#include <QWebChannel>
+#include <QWebEngineView>
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "platform/EditorSurface.h"
+#include "platform/dom/Projection.h"
+
+namespace pw {
+
+class EditorBridge;
+
+/** The browser widget, with the drops that a page cannot handle itself. */
+class EditorWebView : public QWebEngineView {
+    Q_OBJECT
+
+  public:
+    using QWebEngineView::QWebEngineView;
+
+  signals:
+    /** Files of this machine were dropped; paths as the system writes them. */
+    void filesDropped(const QPoint& place, const QStringList& paths);
+
+  protected:
+    void dropEvent(QDropEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+};
+
+class EditorView : public QWidget, public EditorSurface {
+    Q_OBJECT
+
+  public:
+    explicit EditorView(QWidget* parent = nullptr);
+    ~EditorView() override;
+
+    void Show(dom::Document& document, const std::string& baseUrl) override;
+    bool Busy() const override;
+    void Flush() override;
+    CommandState QueryState(const std::string& command) const override;
+    std::string QueryValue(const std::string& command) const override;
+    bool Execute(const std::string& command, const std::string& argument) override;
+    void SetFocus() override;
+    void ScrollIntoView(const dom::Node& element) override;
+    void SetGrid(int x, int y) override;
+    void SetShowBorders(bool show) override;
+    void SetShowTags(bool show) override;
+    void SetSnapToGrid(bool snap) override;
+    void Refresh() override;
+    bool Capture(const std::string& path) override;
+
+    QWebEngineView* view() const { return view_; }
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void connectBridge();
+    void loadSkeleton();
+    void viewReady(int token);
+    void takeBatch(const QString& json);
+    void takeState(const QString& json);
+    void sendOutgoing();
+    void sendSoon();
+    void rendererDied();
+    void dispatchMouse(const QString& what, qint64 node);
+    void dispatchKey(int code, bool alt, bool control, bool shift);
+    void dispatchCommand(const QString& name);
+    void reportChanged();
+    /** Runs an event of the surface when the browser's own work is done: its handlers may wait. */
+    void post(std::function<void()> event);
+    void run(const QString& script);
+    void configure();
+    /** Lets events through, the user's excepted, until it holds or the view is gone. */
+    bool waitFor(const std::function<bool()>& condition);
+
+    enum class Life { Empty, Loading, Alive, Dead };
+
+    EditorWebView* view_;
+    QWebChannel channel_;
+    EditorBridge* bridge_;
+    dom::Document* document_ = nullptr;
+    std::unique_ptr<dom::Projection> projection_;
+    QString baseUrl_;
+    Life life_ = Life::Empty;
+    int generation_ = 0;    ///< counts the skeletons loaded
+    std::string prepared_;  ///< snapshot made while the renderer starts, and its revision
+    std::uint64_t preparedRevision_ = 0;
+    int deaths_ = 0;  ///< in a row, without a page shown between them
+    int lastToken_ = 0;
+    int syncedToken_ = 0;
+    int executedToken_ = 0;
+    bool executedDone_ = false;
+    int keysSent_ = 0;
+    int keysSeen_ = 0;
+    bool sendPosted_ = false;
+    bool changedPosted_ = false;
+    QHash<QString, int> states_;
+    QHash<QString, QString> values_;
+    int gridX_ = 50;
+    int gridY_ = 50;
+    bool borders_ = false;
+    bool tags_ = false;
+    bool snap_ = false;
+};
+
+}  // namespace pw
