@@ -25,6 +25,8 @@ class EditorSurface {
 
     /** Shows the document, which must outlive the surface or be replaced by another Show. */
     virtual void Show(dom::Document& document, const std::string& baseUrl) = 0;
+    /** Lets go of the document, which is about to go. */
+    virtual void Clear() {}
     /** True while the view loads or a batch of the user's changes is due. */
     virtual bool Busy() const = 0;
     /** Takes over what is due; returns when the document and the view agree. */
@@ -33,7 +35,8 @@ class EditorSurface {
     virtual CommandState QueryState(const std::string& command) const = 0;
     /** Value of a command at the selection ("fontName", "fontSize", "formatBlock"). */
     virtual std::string QueryValue(const std::string& command) const = 0;
-    /** Runs an execCommand in the view; its changes come back as one undo step. */
+    /** Runs an execCommand in the view; its changes come back as one undo step. One command is the
+     *  surface's own: "pasteImage" raises imagePasted when the clipboard holds a picture. */
     virtual bool Execute(const std::string& command, const std::string& argument) = 0;
     virtual void SetFocus() = 0;
     virtual void ScrollIntoView(const dom::Node& element) = 0;

@@ -1,14 +1,14 @@
-#include <gtest/gtest.h>
-
+// Runs the tests that need real widgets and the real browser view.
 #include <QApplication>
-
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    // The browser engine's sandbox refuses to run as root.
+    // The browser engine refuses its sandbox to the superuser. Tests may run as such in a container;
+    // the program itself never does this for anybody.
     if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
     return RUN_ALL_TESTS();
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/EditorSurface.h"
 #include "platform/FileSystem.h"
@@ -81,13 +82,17 @@ class HtmlEditor {
      * does one that cannot be a page, with the reason in LastError. */
     bool LoadDocument(const std::string& path);
     /** Writes the document to a file, durably when told; 0 is success, else a FileError. */
-    [[nodiscard]] int SaveDocument(const std::string& path, bool pretty = false);
+    [[nodiscard]] int SaveDocument(const std::string& path,
+                                   Durability durability = Durability::Lazy);
     void NewDocument();
     std::string DocumentHTML();
-    /** Replaces the document; what stands in both keeps its nodes and bytes. */
+    /** Replaces the document; what stands in both keeps its nodes and bytes. One undo step. Answers
+     *  false, with the reason in LastError and nothing changed, for what cannot be a page. */
     bool SetDocumentHTML(const std::string& html);
     /** As a fresh document without history, as a load does. */
     bool LoadHTML(const std::string& html, const dom::Encoding& encoding = {});
+    /** What relative references start from: a folder with backslashes and a final one, or an
+     *  address. */
     const std::string& BaseURL() const { return baseUrl_; }
     void SetBaseURL(const std::string& url);
     const std::string& CurrentDocumentPath() const { return path_; }
@@ -110,9 +115,15 @@ class HtmlEditor {
     bool ShowDetails() const { return details_; }
     void SetShowDetails(bool show);
 
+    /** Disabled for every command that cannot run now, for whatever reason. */
     CommandState QueryStatus(int command);
-    /** Runs a command with its argument; the value of a "get" command is the result. */
+    /** Runs a command with its argument; the value of a "get" command is the result, the names of
+     *  DECMD_GETBLOCKFMTNAMES one a line. Font sizes are "1" to "7"; colours are "#rrggbb" or, as
+     *  an argument, also a number 0x00BBGGRR. Does nothing when the command cannot run. */
     std::string ExecCommand(int command, const std::string& argument = {});
+    /** Puts markup from outside in place of the selection, without its scripts; plain text when
+     *  there is no markup. One undo step. */
+    void InsertForeign(const std::string& html, const std::string& text);
     void SetFocus();
     void Refresh();
     EditorSurface* Surface() const { return surface_; }
@@ -122,14 +133,35 @@ class HtmlEditor {
     std::function<void()> DisplayChanged;
 
   private:
+    class Watcher;
+
     void ReplaceDocument(std::unique_ptr<dom::Document> document);
-    bool RunCommand(int command, const std::string& argument);
+    void ListenToSurface();
+    /** Raises DisplayChanged when the present event is done, once for any number of changes. */
+    void DisplayChangedSoon();
+    void Post(std::function<void()> task);
+    std::string SurfaceBase() const;
+    bool HasSelection() const;
+    void Copy();
+    void Paste();
+    void SelectAll();
+    std::vector<dom::Node*> LinksInSelection() const;
+    void Unlink();
+    std::string BlockFormat() const;
+    void SetBlockFormat(const std::string& name);
+    dom::Node* ListAtCaret() const;
+    void RenameListAtCaret(std::string_view tag);
 
     FileSystem& files_;
     MessageLoop& loop_;
     Clipboard* clipboard_;
     EditorSurface* surface_;
+    std::unique_ptr<Watcher> watcher_;
     std::unique_ptr<dom::Document> document_;
+    /** The document before this one: a handler further up may still hold a node of it. */
+    std::unique_ptr<dom::Document> retired_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+    bool displayChangedDue_ = false;
     std::string baseUrl_;
     std::string path_;
     std::string lastError_;

@@ -202,6 +202,13 @@ void EditorView::Show(dom::Document& document, const std::string& baseUrl) {
     loadSkeleton();
 }
 
+void EditorView::Clear() {
+    projection_.reset();
+    document_ = nullptr;
+    life_ = Life::Empty;
+    ++generation_;
+}
+
 // The doctype and the base address can only be had by a load; everything else is built by script.
 void EditorView::loadSkeleton() {
     life_ = Life::Loading;

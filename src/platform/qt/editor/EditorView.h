@@ -39,6 +39,7 @@ class EditorView : public QWidget, public EditorSurface {
     ~EditorView() override;
 
     void Show(dom::Document& document, const std::string& baseUrl) override;
+    void Clear() override;
     bool Busy() const override;
     void Flush() override;
     CommandState QueryState(const std::string& command) const override;
