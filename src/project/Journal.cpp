@@ -48,14 +48,11 @@ void PutRecord(ProjectContext& context, const std::string& savingTo = {}) {
 }
 
 void PutTree(ProjectContext& context) {
-    FileSystem& files = context.frame.files;
     const std::string path = JournalTreePath(context.frame.runFolder);
-    const std::string fresh = path + ".new";
-    if (!MakeFolder(files, GetParentFolder(path))) throw Failure(path + " can not be made.");
-    if (context.project.SaveTree(fresh) != ProjectResult::Success)
+    if (!MakeFolder(context.frame.files, GetParentFolder(path)))
+        throw Failure(path + " can not be made.");
+    if (context.project.SaveTree(path) != ProjectResult::Success)
         throw Failure(context.project.LastMessage());
-    const FileError error = files.Replace(fresh, path);
-    if (error != FileError::None) throw Failure(path + ": " + Describe(error));
     context.journal.tree.Take(context.project);
 }
 

@@ -55,38 +55,6 @@ class CurrentPageMark {
     std::string key_;
 };
 
-/**
- * The copy of a project file that stands beside it while it is saved over. A copy that was there
- * before belongs to a save that did not end: it may be all that is left of something, so it stays.
- */
-class Backup {
-  public:
-    Backup(FrameContext& frame, const std::string& file) : frame_(frame) {
-        if (!FileExists(frame.files, file)) return;
-        path_ = BackupPath(file);
-        if (frame.files.Stat(path_).exists) {
-            Log("A copy from an earlier save stands there already: " + path_);
-            path_.clear();
-            return;
-        }
-        const FileError error = frame.files.Copy(file, path_);
-        if (error != FileError::None) Log(path_ + ": " + Describe(error));
-    }
-    ~Backup() {
-        if (!path_.empty() && frame_.files.Stat(path_).exists && !DeleteFile(frame_.files, path_))
-            Log(path_ + " can not be deleted.");
-    }
-    Backup(const Backup&) = delete;
-    Backup& operator=(const Backup&) = delete;
-
-  private:
-    void Log(const std::string& text) {
-        frame_.errorLog.LogError(text, Failure(text), kModule, "SaveProject");
-    }
-    FrameContext& frame_;
-    std::string path_;  // "" when there is none of ours
-};
-
 std::string AskForName(ProjectContext& context) {
     const std::string name = ReplaceAll(Trim(context.project.Name), "\\", "_");
     FileQuestion question;
@@ -138,8 +106,7 @@ std::string WriteProject(ProjectContext& context, const std::string& file) {
     if (!UpdateOpenPageProperties(context, &unwritten)) return unwritten;
     if (!FileExists(frame.files, project.ThumbnailFilename)) CreateThumbnail(context);
 
-    // 3. The project file, with a copy of the former one beside it.
-    const Backup backup(frame, file);
+    // 3. The project file. The library keeps the former one whole until the new one is.
     ProjectResult result = ProjectResult::Success;
     {
         const CurrentPageMark mark(context);
@@ -154,7 +121,6 @@ std::string WriteProject(ProjectContext& context, const std::string& file) {
         const std::string reason = project.LastMessage();
         return reason.empty() ? Describe(result) : reason;
     }
-    project.IsDirty = false;
     for (const PageIndexEntry& entry : project.PageIndex())
         entry.Item->IsDirty = false;
     for (OpenPage* open : context.workspace.OpenPages())
