@@ -77,6 +77,25 @@ ProjectFailure Guard(Body body) {
     }
 }
 
+/** Plays back what a crash left in the journal beside a file, and removes the journal. */
+void SettleJournal(FileSystem& files, const std::string& target) {
+    const std::string journal = JournalOf(target);
+    if (!files.Stat(journal).exists) return;
+    const auto remove = [&] {
+        if (files.Stat(journal).exists) Require(files.RemoveFile(journal), journal);
+    };
+    const ProjectFailure settled = Guard([&] {
+        if (!files.Stat(target).exists) return remove();
+        ProjectDatabase database(ToNativePath(target), ProjectDatabase::Mode::Update);
+        // Nobody else can be in the middle of a save while this is held.
+        database.Execute("BEGIN IMMEDIATE");
+        remove();
+        database.Rollback();
+    });
+    if (settled.result == ProjectResult::Damaged) return remove();  // it stood beside no project
+    if (settled.result != ProjectResult::Success) throw settled;
+}
+
 }  // namespace
 
 /** One save: the steps share its paths. */
@@ -103,7 +122,6 @@ class ProjectSaver {
     bool IsWorthUpdating(ProjectDatabase& database, const ProjectFileHeader& header,
                          std::int64_t bytes) const;
     void WriteNew(ProjectWriter& writer, std::uint32_t applicationId, const std::string& baseFile);
-    void SettleJournal();
     CopyKind MakeSafetyCopy(std::int64_t size);
     void RemoveSafetyCopy(CopyKind kind);
 
@@ -114,7 +132,7 @@ class ProjectSaver {
 
 bool ProjectSaver::UpdateInPlace(ProjectWriter& writer) {
     // 1. What a crash left is put back before the file is copied or opened.
-    SettleJournal();
+    SettleJournal(files_, target_);
     ProjectFileHeader header;
     const ProjectFailure opened =
         Guard([&] { header = CheckHeader(ToNativePath(target_), kProjectId); });
@@ -192,7 +210,7 @@ void ProjectSaver::WriteNew(ProjectWriter& writer, std::uint32_t applicationId,
             chmod(native.c_str(), old.st_mode & 0777);
         Require(files_.Sync(temporary), target_);
         // 2. A journal left of the old file would be played into the new one.
-        SettleJournal();
+        SettleJournal(files_, target_);
         Require(files_.Replace(temporary, target_), target_);
     });
     if (failure.result != ProjectResult::Success) {
@@ -200,20 +218,6 @@ void ProjectSaver::WriteNew(ProjectWriter& writer, std::uint32_t applicationId,
         throw failure;
     }
     Require(files_.Sync(FolderOf(target_)), target_);
-}
-
-void ProjectSaver::SettleJournal() {
-    const std::string journal = JournalOf(target_);
-    if (!files_.Stat(journal).exists) return;
-    const ProjectFailure settled = Guard([&] {
-        if (!files_.Stat(target_).exists) return;
-        ProjectDatabase database(ToNativePath(target_), ProjectDatabase::Mode::Update);
-        database.Execute("BEGIN IMMEDIATE");
-        database.Rollback();
-    });
-    if (settled.result == ProjectResult::InUse) throw settled;
-    // One that did not belong to a whole file is of no use to anybody.
-    if (files_.Stat(journal).exists) Require(files_.RemoveFile(journal), journal);
 }
 
 ProjectSaver::CopyKind ProjectSaver::MakeSafetyCopy(std::int64_t size) {
@@ -306,6 +310,7 @@ ProjectResult Project::Load(std::string_view path) {
     const bool whole = LoadMode == LoadMode::Everything;
     const ProjectFailure failure = Guard([&] {
         // 1. Everything is read and checked in an object of its own.
+        if (whole) static_cast<void>(Guard([&] { SettleJournal(files_, source); }));
         const ProjectFileHeader header = CheckHeader(native, kProjectId);
         ProjectDatabase database(native, ProjectDatabase::Mode::Read);
         database.CheckSchema();
