@@ -1,0 +1,227 @@
+#include "mainwindow/frmOptions.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+
+#include "frame/Context.h"
+#include "frame/FunctionLibrary.h"
+#include "mainwindow/Explorers.h"
+#include "mainwindow/UIState.h"
+#include "mainwindow/frmDocument.h"
+#include "mainwindow/frmMDIMain.h"
+#include "platform/Text.h"
+
+namespace pw {
+
+namespace {
+
+/** "#rrggbb" to the platform's order and back. */
+Color ColorOfHtml(const std::string& html) {
+    if (html.size() != 7 || html[0] != '#') return 0;
+    const auto rgb = std::uint32_t(std::strtoul(html.c_str() + 1, nullptr, 16));
+    return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
+}
+
+std::string HtmlOfColor(Color color) {
+    char text[8];
+    std::snprintf(text, sizeof text, "#%02x%02x%02x", color & 0xFF, color >> 8 & 0xFF,
+                  color >> 16 & 0xFF);
+    return text;
+}
+
+void DigitsOnly(int& code) {
+    constexpr int kBackspace = 8;
+    if (code != kBackspace && (code < '0' || code > '9')) code = 0;
+}
+
+}  // namespace
+
+frmOptions::frmOptions(MainContext& context)
+    : Dialog("frmOptions", "Options"), context_(context), settings_(context.frame.settings) {
+    using S = Settings;
+    texts_ = {{&txtFirstName, &S::Firstname, "General", "First Name"},
+              {&txtLastName, &S::Lastname, "General", "Last Name"},
+              {&txtUserCompany, &S::UserCompany, "General", "User Company"},
+              {&txtUserEmail, &S::UserEmail, "General", "User E-mail"}};
+    paths_ = {{&txtFolders[0], &S::ProjectsFolder, "General", "Projects Folder"},
+              {&txtFolders[1], &S::TemplatesFolder, "General", "Templates Folder"},
+              {&txtFolders[2], &S::ImageLibraryFolder, "General", "Image Library Folder"},
+              {&txtFolders[3], &S::ThemesFolder, "General", "Themes Folder"},
+              {&txtFolders[4], &S::WHPFolder, "General", "WHP Folder"},
+              {&txtIEPath, &S::IEFilename, "Other", "IE Browser"},
+              {&txtNNPath, &S::NNFilename, "Other", "NN Browser"}};
+    numbers_ = {{&txtAutoSave, &S::AutoSaveFrequency, "General", "AutoSave Frequency", 10},
+                {&txtDownloadTime, &S::DownloadTime, "Project", "Download Time", 60},
+                {&txtGridSpacing[0], &S::GridHorizontal, "Project", "Grid Horizontal", 50},
+                {&txtGridSpacing[1], &S::GridVertical, "Project", "Grid Vertical", 50}};
+    checks_ = {{&chkAutoSave, &S::AutoSave, "General", "AutoSave"},
+               {&chkShowCommentsInExplorer, &S::ShowCommentsInExplorer, "Project",
+                "Show Comments In Explorer"},
+               {&chkShowKindlerun, &S::ShowKindlerun, "Other", "Show Kindlerun"},
+               {&chkSendErrorLog, &S::SendErrorLog, "Other", "Send Error log"}};
+    colors_ = {{&optColor[1], &S::HTMLTagColor, "Other", "HTML Tag Color"},
+               {&optColor[2], &S::HTMLPropertyColor, "Other", "HTML Property Color"},
+               {&optColor[3], &S::HTMLValueColor, "Other", "HTML Value Color"},
+               {&optColor[4], &S::HTMLBackgroundColor, "Other", "HTML Background Color"}};
+
+    for (const NumberSetting& number : numbers_)
+        number.control->KeyPress = DigitsOnly;
+    for (std::size_t i = 0; i < cmdBrowse.size(); ++i)
+        cmdBrowse[i].Click = [this, i] { cmdBrowse_Click(int(i)); };
+    for (std::size_t i = 0; i < optColor.size(); ++i)
+        optColor[i].Click = [this, i] { optColor_Click(int(i)); };
+    chkAutoSave.Change = [this] { chkAutoSave_Change(); };
+    cmdOK.Click = [this] { cmdOK_Click(); };
+    cmdCancel.Click = [this] { Close(); };
+}
+
+void frmOptions::Form_Load() {
+    for (const auto* table : {&texts_, &paths_}) {
+        for (const TextSetting& text : *table)
+            text.control->SetText(settings_.*text.setting);
+    }
+    for (const NumberSetting& number : numbers_)
+        number.control->SetText(std::to_string(settings_.*number.setting));
+    for (const CheckSetting& check : checks_)
+        check.control->SetChecked(settings_.*check.setting);
+    for (const ColorSetting& color : colors_)
+        color.control->SetValue(settings_.*color.setting);
+    optColor[0].SetValue(ColorOfHtml(settings_.DefaultFontColor));
+
+    cboFontName.SetItems(context_.window.Surface().FontNames());
+    cboFontName.SetText(settings_.DefaultFont);
+    std::vector<std::string> sizes;
+    for (int index = 1; !FontSizeText(index).empty(); ++index)
+        sizes.push_back(FontSizeText(index));
+    cboFontSize.SetItems(std::move(sizes));
+    cboFontSize.SetText(std::to_string(settings_.DefaultFontSize));
+    cboConnectionSpeed.SetItems({std::begin(kConnectionSpeeds), std::end(kConnectionSpeeds)});
+    cboConnectionSpeed.SetListIndex(settings_.ConnectionSpeed - 1);
+    for (std::size_t i = 0; i < optSkillLevel.size(); ++i)
+        optSkillLevel[i].SetChecked(int(i) == settings_.SkillLevel);
+    chkAutoSave_Change();
+}
+
+void frmOptions::chkAutoSave_Change() {
+    txtAutoSave.SetEnabled(chkAutoSave.Checked());
+}
+
+void frmOptions::cmdBrowse_Click(int index) {
+    static constexpr const char* kFolders[] = {"projects", "templates", "image library", "themes",
+                                               "whp profiles"};
+    TextBox& target = *paths_[std::size_t(index)].control;
+    std::string chosen;
+    if (index < int(std::size(kFolders))) {
+        chosen = context_.frame.dialogs.BrowseFolder(
+            std::string("Select a ") + kFolders[index] + " folder...", target.Text());
+    } else {
+        const std::string now = target.Text().empty() ? "\\usr\\bin" : target.Text();
+        chosen =
+            context_.frame.dialogs.OpenFile({"Select a Browser", "Applications (*)|*", now, ""});
+    }
+    if (!chosen.empty()) target.SetText(chosen);
+}
+
+void frmOptions::optColor_Click(int index) {
+    static constexpr const char* kTitles[] = {"Text Default Color", "HTML Tag Color",
+                                              "HTML Attribute Color", "HTML Attribute Value Color",
+                                              "HTML Background Color"};
+    ColorBox& box = optColor[std::size_t(index)];
+    if (const auto color = context_.frame.dialogs.PickColor(kTitles[index], box.Value()))
+        box.SetValue(*color);
+}
+
+bool frmOptions::HasOnlyFullPaths() {
+    for (const TextSetting& path : paths_) {
+        const std::string text = Trim(path.control->Text());
+        if (text.empty() || text[0] == '\\') continue;
+        context_.frame.dialogs.MsgBox({"'" + ToNativePath(text) +
+                                           "' is not a full path.\n\nPlease enter one, or choose "
+                                           "it with the Browse button.",
+                                       context_.frame.brand.FormCaption(), Icon::Exclamation,
+                                       Buttons::Ok});
+        path.control->SelectAll();
+        path.control->SetFocus();
+        return false;
+    }
+    return true;
+}
+
+int frmOptions::SkillLevel() const {
+    for (std::size_t i = 0; i < optSkillLevel.size(); ++i) {
+        if (optSkillLevel[i].Checked()) return int(i);
+    }
+    return settings_.SkillLevel;
+}
+
+bool frmOptions::WriteSettingsToReg() {
+    SettingsHive& hive = context_.frame.hive;
+    const HiveBatch batch(hive);
+    bool kept = true;
+    for (const TextSetting& text : texts_) {
+        settings_.*text.setting = Trim(text.control->Text());
+        kept = SetRegText(hive, text.section, text.name, settings_.*text.setting) && kept;
+    }
+    for (const TextSetting& path : paths_) {
+        const std::string chosen = Trim(path.control->Text());
+        const bool isFolder = path.control != &txtNNPath && path.control != &txtIEPath;
+        if (chosen.empty() && isFolder) continue;  // the program can't do without its folders
+        settings_.*path.setting = chosen;
+        kept = SetRegText(hive, path.section, path.name, chosen) && kept;
+    }
+    for (const NumberSetting& number : numbers_) {
+        const auto value = std::int32_t(Val(number.control->Text()));
+        settings_.*number.setting = value < 1 ? number.byDefault : value;
+        kept = SetRegNumber(hive, number.section, number.name, settings_.*number.setting) && kept;
+    }
+    for (const CheckSetting& check : checks_) {
+        settings_.*check.setting = check.control->Checked();
+        kept = SetRegNumber(hive, check.section, check.name, check.control->Checked()) && kept;
+    }
+    for (const ColorSetting& color : colors_) {
+        settings_.*color.setting = color.control->Value();
+        kept =
+            SetRegNumber(hive, color.section, color.name, std::int32_t(color.control->Value())) &&
+            kept;
+    }
+    settings_.DefaultFontColor = HtmlOfColor(optColor[0].Value());
+    kept = SetRegText(hive, "Project", "Default Font Color", settings_.DefaultFontColor) && kept;
+    if (cboFontName.ListIndex() >= 0) settings_.DefaultFont = cboFontName.Text();
+    kept = SetRegText(hive, "Project", "Default Font", settings_.DefaultFont) && kept;
+    if (cboFontSize.ListIndex() >= 0)
+        settings_.DefaultFontSize = std::int16_t(Val(cboFontSize.Text()));
+    kept = SetRegNumber(hive, "Project", "Default Font Size", settings_.DefaultFontSize) && kept;
+    if (cboConnectionSpeed.ListIndex() >= 0)
+        settings_.ConnectionSpeed = cboConnectionSpeed.ListIndex() + 1;
+    kept = SetRegNumber(hive, "Project", "Connection Speed", settings_.ConnectionSpeed) && kept;
+    settings_.SkillLevel = SkillLevel();
+    kept = SetRegNumber(hive, "Other", "Skill Level", settings_.SkillLevel) && kept;
+    return kept;
+}
+
+void frmOptions::ApplyToOpenPages() {
+    for (const auto& document : context_.OpenDocuments.All()) {
+        document->ColorCodeHTML();
+        document->ApplyGrid();
+    }
+}
+
+void frmOptions::cmdOK_Click() {
+    if (!HasOnlyFullPaths()) return;
+    const bool showedComments = settings_.ShowCommentsInExplorer;
+    const int formerLevel = settings_.SkillLevel;
+    Trap(context_.frame.errorLog, "Options.", "cmdOK_Click", [&] {
+        const bool kept = WriteSettingsToReg();
+        if (settings_.ShowCommentsInExplorer != showedComments)
+            UpdatePageExplorer(context_, context_.CurrentPageKey);
+        if (settings_.SkillLevel != formerLevel) ApplySkillLevel(context_);
+        ApplyToOpenPages();
+        ResetUI(context_);
+        context_.window.StartTimer();
+        if (!kept) throw Failure("Some settings could not be stored.");
+    });
+    Close();
+}
+
+}  // namespace pw
