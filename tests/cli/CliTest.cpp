@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 const fs::path kManual = "/usr/share/doc/apache2-doc/manual";
 
-struct Run {
+struct Outcome {
     int code = -1;
     std::string output;  ///< both streams
     std::vector<std::string> Lines() const {
@@ -35,8 +35,8 @@ struct CliTest : testing::Test {
             line += " " + Quoted(word);
         return line;
     }
-    Run Cli(const std::vector<std::string>& words) {
-        Run run;
+    Outcome Cli(const std::vector<std::string>& words) {
+        Outcome run;
         FILE* pipe = ::popen((CommandLine(words) + " 2>&1").c_str(), "r");
         char buffer[4096];
         for (std::size_t read; (read = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
@@ -89,7 +89,7 @@ TEST_F(CliTest, DoesAWholeJob) {
     EXPECT_THAT(Cli({"list", project}).output,
                 testing::HasSubstr("W0001F0001P0001\ttexts/b.htm\tNew <title>\n"));
 
-    const Run published = Cli({"publish", project, "--html", Path("out")});
+    const Outcome published = Cli({"publish", project, "--html", Path("out")});
     EXPECT_EQ(published.output, Path("out/my shop") + "\n");
     EXPECT_EQ(test::ReadNative(Path("out/my shop/media/a.gif")), "picture");
     EXPECT_THAT(test::ReadNative(Path("out/my shop/texts/b.htm")),
@@ -139,7 +139,7 @@ TEST_F(CliTest, SaysWhatIsWrong) {
         {{"publish", project}, 2, "--html"},
     };
     for (const auto& row : rows) {
-        const Run run = Cli(row.words);
+        const Outcome run = Cli(row.words);
         EXPECT_EQ(run.code, row.code) << run.output;
         EXPECT_NE(run.output, "") << testing::PrintToString(row.words);
         EXPECT_THAT(run.output, testing::HasSubstr(row.says));
@@ -152,9 +152,9 @@ TEST_F(CliTest, TakesTheManualInAndPublishesItWhole) {
     if (!fs::exists(kManual / "en")) GTEST_SKIP() << "needs the package apache2-doc";
     const std::string project = Path("manual.pwp");
     ASSERT_EQ(Cli({"new", project, "--name", "Manual"}).code, 0);
-    const Run added = Cli({"add", project, (kManual / "en").string()});
+    const Outcome added = Cli({"add", project, (kManual / "en").string()});
     ASSERT_EQ(added.code, 0) << added.output;
-    const Run published = Cli({"publish", project, "--html", Path("out")});
+    const Outcome published = Cli({"publish", project, "--html", Path("out")});
     ASSERT_EQ(published.code, 0) << published.output;
     const fs::path site = Path("out/Manual");
 
@@ -202,7 +202,7 @@ TEST_F(CliTest, RefusesAProjectThatIsInUse) {
         folder.Put("in\\p" + std::to_string(i) + ".html", "<title>x</title>");
     // One that reads its output slowly holds the project.
     FILE* first = ::popen((CommandLine({"add", project, Path("in")}) + " 2>&1").c_str(), "r");
-    Run second;
+    Outcome second;
     for (int i = 0; i < 200 && second.code != 1; ++i)
         second = Cli({"set", project, "Name=other"});
     ::pclose(first);

@@ -5,6 +5,7 @@
 
 #include "project/CopyPages.h"
 #include "project/Folders.h"
+#include "platform/Text.h"
 #include "support/TestProject.h"
 
 namespace pw {
@@ -67,7 +68,9 @@ TEST_F(InsertTest, NamesFilesAndTitles) {
         EXPECT_EQ(GetFileName(page->Filename), row.resultFile);
         EXPECT_EQ(page->Name, row.resultTitle);
         const auto document = dom::Document::parse(test.Text(page->Filename));
-        if (row.title == mark) EXPECT_EQ(document->title(), row.resultTitle);
+        if (row.title == mark) {
+            EXPECT_EQ(document->title(), row.resultTitle);
+        }
         EXPECT_EQ(page->CreatedBy, CurrentAuthor(test.context));
         EXPECT_TRUE(test.project.IsDirty);
     }
