@@ -197,7 +197,7 @@ class Adding {
     }
 
     void RewriteLinks(const PageBeingInserted& page) {
-        RewriteLinkAttributes(page.document, page.scope,
+        RewriteLinkAttributes(page.document,
                               [&](const std::string& value) { return NewLink(page, value); });
     }
 

@@ -65,7 +65,7 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
     request.show = ShowInsertedPage::Yes;
     request.rewriteLinks = [&](const PageBeingInserted& copy) {
         if (copy.sourceFolder == copy.targetFolder) return;
-        RewriteLinkAttributes(copy.document, copy.scope, [&](const std::string& value) {
+        RewriteLinkAttributes(copy.document, [&](const std::string& value) {
             return LinkFromElsewhere(context, copy, value);
         });
     };

@@ -6,7 +6,6 @@
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "project/Attachments.h"
-#include "project/FramesetMask.h"
 #include "project/Media.h"
 #include "project/MergeVariables.h"
 #include "project/Paths.h"
@@ -121,37 +120,36 @@ class Insertion {
             SaveAttachments(context_, *document_, targetFolder_, *page_);
     }
 
-    /** The text that a frame page shows where there are no frames is edited as a page, so its
-     *  pictures are pulled too: they are elements only while the frameset is masked. */
     std::vector<std::string> RewriteReferences() {
         std::vector<std::string> folders;
         if (!request_.baseFolder.empty()) folders.push_back(request_.baseFolder);
         folders.push_back(GetParentFolder(request_.sourceFile));
         folders = TakeOverBase(*document_, folders);
         if (folders.empty()) return {};
-        RewriteLinks(*document_->root(), folders.front());
-
         MediaPuller own(context_);
         MediaPuller& puller = request_.media ? *request_.media : own;
-        if (page_->PageType != PageType::Frames)
-            return puller.Pull(*document_, folders, targetFolder_);
-        Reparse(CommentFrameset(document_->html()));
-        const auto media = puller.Pull(*document_, folders, targetFolder_);
-        if (dom::Node* body = document_->body()) RewriteLinks(*body, folders.front());
-        Reparse(UncommentFrameset(document_->html()));
+        auto media = RewriteReferencesIn(*document_, folders, puller);
+
+        // What a frame page shows where there are no frames is a page in itself, and mere text to
+        // the parser.
+        for (dom::Node* noframes : document_->tags("NOFRAMES")) {
+            dom::Node* text = noframes->firstChild();
+            if (!text || !text->isText()) continue;
+            const auto inner = dom::Document::parseText(text->data(), document_->encoding());
+            if (!inner) continue;
+            const auto more = RewriteReferencesIn(*inner, folders, puller);
+            media.insert(media.end(), more.begin(), more.end());
+            if (inner->isDirty()) document_->setText(*text, inner->html());
+        }
         return media;
     }
 
-    void RewriteLinks(dom::Node& scope, const std::string& sourceFolder) {
-        if (!request_.rewriteLinks) return;
-        request_.rewriteLinks({*document_, scope, *page_, sourceFolder, targetFolder_});
-    }
-
-    void Reparse(const std::string& html) {
-        dom::ParseError problem;
-        auto document = dom::Document::parseText(html, document_->encoding(), &problem);
-        if (!document) throw Failure(problem.message);
-        document_ = std::move(document);
+    std::vector<std::string> RewriteReferencesIn(dom::Document& document,
+                                                 const std::vector<std::string>& folders,
+                                                 MediaPuller& puller) {
+        if (request_.rewriteLinks)
+            request_.rewriteLinks({document, *page_, folders.front(), targetFolder_});
+        return puller.Pull(document, folders, targetFolder_);
     }
 
     std::string SetTitle(int pageNumber) {
@@ -168,7 +166,6 @@ class Insertion {
                                                       : "Page " + std::to_string(pageNumber);
             const std::string title = Trim(own).empty() ? made : ReplaceAll(own, kTitleMark, made);
             ReplaceTitleMark(*document_, made);
-            if (Trim(document_->title()).empty()) document_->setTitle(title);
             return CollapseBlanks(title);
         }
         if (!Trim(own).empty()) ReplaceInTexts(*document_, own, request_.title);

@@ -16,8 +16,7 @@ enum class ApplyDefaultFont { No, Yes };
 
 /** What those who rewrite links get to see. */
 struct PageBeingInserted {
-    dom::Document& document;
-    dom::Node& scope;                 ///< links below this are to be rewritten
+    dom::Document& document;          ///< the page, or the text in place of its frames
     Page& page;                       ///< may be given attachments
     const std::string& sourceFolder;  ///< what references are relative to
     const std::string& targetFolder;  ///< where the new file will lie

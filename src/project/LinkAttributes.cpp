@@ -32,10 +32,10 @@ bool FindRefreshAddress(const std::string& content, std::size_t& at, std::size_t
 }  // namespace
 
 void RewriteLinkAttributes(
-    dom::Document& document, dom::Node& scope,
+    dom::Document& document,
     const std::function<std::optional<std::string>(const std::string&)>& rewrite) {
     const dom::Document::Step step(document);
-    for (dom::Node* node = &scope; node; node = node->following(&scope)) {
+    for (dom::Node* node = document.root(); node; node = node->following()) {
         if (!node->isElement()) continue;
         for (const auto& link : kLinkAttributes) {
             if (link.tag != node->localName()) continue;

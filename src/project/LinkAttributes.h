@@ -8,12 +8,12 @@
 namespace pw {
 
 /**
- * Calls `rewrite` with the value of every attribute below `scope` that leads to another page or
+ * Calls `rewrite` with the value of every attribute that leads to another page or
  * file (links, frames, targets of forms, refreshes; not pictures and other media), and sets what it
  * answers.
  */
 void RewriteLinkAttributes(
-    dom::Document& document, dom::Node& scope,
+    dom::Document& document,
     const std::function<std::optional<std::string>(const std::string&)>& rewrite);
 
 }  // namespace pw

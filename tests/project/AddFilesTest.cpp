@@ -45,16 +45,16 @@ TEST_F(AddFilesTest, KeepsTheLinksAmongThePages) {
         ADD_FAILURE() << problem.reason;
     EXPECT_EQ(result.pageKeys.size(), 6u);
     EXPECT_EQ(result.folders, 2);
-    EXPECT_EQ(Page("index.htm"),
-              "<a href=\"about.htm\">1</a><a href=\"Sub%20Dir/b.htm?x#y\">2</a>"
-              "<a href=\"Sub%20Dir/index.htm\">3</a><a href=#z>4</a>"
-              "<a href=http://a.org/About.html>5</a><a href=no.html>6</a>"
-              "<iframe src=\"about.htm\"></iframe><meta http-equiv=refresh content=\"1; "
-              "url=about.htm\"><a href=\"media/paper.pdf\">7</a><a href=../outside.html>8</a>");
-    EXPECT_EQ(Page("about.htm"), "<title>About</title><a href=\"index.htm\">1</a>");
+    EXPECT_EQ(
+        Page("index.htm"),
+        "<a href=about.htm>1</a><a href='Sub%20Dir/b.htm?x#y'>2</a><a href=Sub%20Dir/index.htm>3"
+        "</a><a href=#z>4</a><a href=http://a.org/About.html>5</a><a href=no.html>6</a>"
+        "<iframe src=about.htm></iframe><meta http-equiv=refresh content='1; "
+        "url=about.htm'><a href=media/paper.pdf>7</a><a href=../outside.html>8</a>");
+    EXPECT_EQ(Page("about.htm"), "<title>About</title><a href=index.htm>1</a>");
     EXPECT_EQ(Page("page_1.htm"), "<title>other</title>");
-    EXPECT_EQ(Page("Sub Dir\\b.htm"), "<a href=\"../about.htm\">1</a><a href=\"b.htm#q\">2</a>");
-    EXPECT_EQ(Page("media_pages\\m.htm"), "<a href=\"../index.htm\">1</a>");
+    EXPECT_EQ(Page("Sub Dir\\b.htm"), "<a href=../about.htm>1</a><a href=b.htm#q>2</a>");
+    EXPECT_EQ(Page("media_pages\\m.htm"), "<a href=../index.htm>1</a>");
     EXPECT_EQ(Page("media\\paper.pdf"), "pdf");
     const pw::Page* index = GetDefaultPage(test.context, "W0001");
     ASSERT_TRUE(index);
@@ -72,7 +72,7 @@ TEST_F(AddFilesTest, GoesOnWithWhatIsThere) {
     test.folder.Put("x\\index.html", "<title>i</title>");
     AddFilesResult result = Add({"a.html", "x\\b.html", "a.html"}, docs->Key());
     EXPECT_EQ(result.pageKeys.size(), 2u) << "a page given twice is taken once";
-    EXPECT_EQ(Page("Docs\\a.htm"), "<title>a</title><a href=\"b.htm\">b</a>");
+    EXPECT_EQ(Page("Docs\\a.htm"), "<title>a</title><a href=b.htm>b</a>");
     EXPECT_FALSE(GetDefaultPage(test.context, docs->Key()));
 
     result = Add({"x"});

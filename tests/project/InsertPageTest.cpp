@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/Text.h"
 #include "project/CopyPages.h"
 #include "project/Folders.h"
-#include "platform/Text.h"
 #include "support/TestProject.h"
 
 namespace pw {
@@ -98,7 +98,7 @@ TEST_F(InsertTest, PullsMediaAndChangesNothingElse) {
     } rows[] = {
         {"blanks and signs", "<img src=\"a%20b&amp;c.gif\" ALT=x>",
          "<img src=\"media/a_b_c.gif\" ALT=x>"},
-        {"a name", "<IMG src='x/pic.gif'>", "<IMG src=\"media/pic.gif\">"},
+        {"a name", "<IMG src='x/pic.gif'>", "<IMG src='media/pic.gif'>"},
         {"another picture of that name", "<img src=\"y/PIC.gif\">", "<img src=\"media/PIC2.gif\">"},
         {"the same picture elsewhere", "<img src=\"z/pic.gif\">", "<img src=\"media/pic.gif\">"},
         {"a low picture", "<img lowsrc=\"x/pic.gif\">", "<img lowsrc=\"media/pic.gif\">"},
@@ -212,7 +212,7 @@ TEST_F(InsertTest, CopiesPagesToOtherFolders) {
     EXPECT_EQ(copy->Name, "Copy of page");
     EXPECT_EQ(copy->Filename, test.frame.settings.PreviewFolder + "\\Docs\\page.htm");
     EXPECT_THAT(test.Text(copy->Filename),
-                testing::HasSubstr("<img src=\"media/a.gif\"><a href=\"../index.htm#x\">"));
+                testing::HasSubstr("<img src=media/a.gif><a href=\"../index.htm#x\">"));
     EXPECT_TRUE(
         FileExists(*test.files, test.frame.settings.PreviewFolder + "\\Docs\\media\\a.gif"));
     EXPECT_TRUE(test.workspace.Find(copy->Key())) << "a pasted page is shown";

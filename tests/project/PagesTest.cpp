@@ -1,6 +1,7 @@
 #include "project/Pages.h"
 
 #include "project/Folders.h"
+#include "project/FramesetMask.h"
 #include "support/TestProject.h"
 
 namespace pw {
@@ -114,8 +115,9 @@ TEST(Pages, AreWrittenFromTheirWindows) {
 
     page->PageType = PageType::Frames;
     page->Filename = test.frame.settings.PreviewFolder + "\\frames.htm";
-    const std::string frames = "<html><frameset><frame src=a.htm></frameset></html>";
-    open->document = dom::Document::parseText("<html><!-- " + frames.substr(6, 45) + " --></html>");
+    const std::string frames =
+        "<html><frameset><frame src=a.htm><noframes><body>x</body></noframes></frameset></html>";
+    open->document = dom::Document::parseText(CommentFrameset(frames));
     EXPECT_TRUE(SavePageFile(test.context, *page));
     EXPECT_EQ(test.Text(page->Filename), frames);
 }
