@@ -514,13 +514,16 @@ void UpdateDownloadTime(MainContext& context) {
     Trap(context.frame.errorLog, kModule, "UpdateDownloadTime", [&] {
         Label& panel = context.window.sbrMain[2];
         panel.toolTip = kDownloadToolTip;
-        if (!context.CurrentDocument()) {
+        frmDocument* document = context.CurrentDocument();
+        if (!document) {
             panel.tag.clear();
             panel.SetCaption(FormatSize(0));
             return;
         }
         const Settings& settings = context.frame.settings;
-        const std::int64_t size = CalculatePageSize(context.project, context.CurrentPageKey);
+        // Of the document as it stands: what is being typed as source is not taken over for this.
+        const std::int64_t size = DocumentSize(context.project, document->Document(),
+                                               document->BaseURL());
         const bool slow = DownloadSeconds(size, settings.ConnectionSpeed) >= settings.DownloadTime;
         panel.tag = std::to_string(slow ? kPictureSlow : kPictureQuick);
         panel.SetCaption(DownloadTimeText(size, settings.ConnectionSpeed));

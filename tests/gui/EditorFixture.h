@@ -26,7 +26,7 @@ class EditorFixture : public testing::Test {
         ASSERT_FALSE(view.Busy());
         view.activateWindow();
         keyboard()->setFocus();
-        (void)QTest::qWaitForWindowActive(&view);
+        QTest::qWaitForWindowActive(&view);
     }
 
     ~EditorFixture() override { view.Clear(); }

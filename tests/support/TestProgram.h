@@ -1,13 +1,16 @@
 #pragma once
 // The whole program over memory surfaces and real files: `TestProgram program;` starts it in a
 // fresh profile, and `program.bar().Click(7)` saves.
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "mainwindow/MemorySurfaces.h"
 #include "mainwindow/Program.h"
 #include "mainwindow/frmDocument.h"
+#include "platform/controls/Dialog.h"
 #include "support/TestContext.h"
+#include "support/TestPlaces.h"
 
 namespace pw::test {
 
@@ -19,7 +22,9 @@ struct TestProgram {
         EXPECT_TRUE(SetRegText(*outer.hive, "General", "User E-mail", "ann@example.org"));
         EXPECT_TRUE(SetRegNumber(*outer.hive, "Other", "Skill Level", skillLevel));
         Places places = outer.frame.places;
-        places.programFolder = FromNativePath(PAGEWICK_TEST_DATA "/../../data");
+        const std::filesystem::path tests = PAGEWICK_TEST_DATA;
+        const auto data = tests.parent_path().parent_path() / "data";
+        places.programFolder = FromNativePath(data.string());
         ProgramParts parts;
         parts.makeWindow = [this]() -> MainWindowSurface& { return surface; };
         parts.endProcess = [this] { ended = true; };

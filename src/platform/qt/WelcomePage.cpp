@@ -122,8 +122,7 @@ void WelcomePage::showColors() {
 
 void WelcomePage::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    // The first change comes while the page is still being made.
-    if (event->type() == QEvent::PaletteChange && subtitle_) showColors();
+    if (event->type() == QEvent::PaletteChange) showColors();
 }
 
 }  // namespace pw
