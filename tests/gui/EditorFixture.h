@@ -26,7 +26,7 @@ class EditorFixture : public testing::Test {
         ASSERT_FALSE(view.Busy());
         view.activateWindow();
         keyboard()->setFocus();
-        QTest::qWaitForWindowActive(&view);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&view));
     }
 
     ~EditorFixture() override { view.Clear(); }
@@ -54,9 +54,8 @@ class EditorFixture : public testing::Test {
             let s = '';
             if (n.nodeType == 1) {
                 s = '<' + n.localName;
-                const names = n.getAttributeNames().map(x => x.toLowerCase()).sort();
-                for (const name of names) s += ' ' + name + '=' + n.getAttribute(name);
-                s += '>';
+                s += [...n.attributes].map(a => ' ' + a.name.toLowerCase() + '=' + a.value)
+                         .sort().join('') + '>';
             }
             for (const child of pw.childrenOf(n)) s += ser(child);
             return n.nodeType == 1 ? s + '</>' : s;

@@ -23,6 +23,11 @@
 #include "platform/FileSystem.h"
 #include "platform/qt/editor/EditorBridge.h"
 
+// The resources of a static library are left out of the program unless somebody asks for them.
+static void loadEditorScripts() {
+    Q_INIT_RESOURCE(editor);
+}
+
 namespace pw {
 
 namespace {
@@ -58,6 +63,7 @@ QString scriptText(const char* name) {
 }
 
 void addScripts(QWebEnginePage& page) {
+    loadEditorScripts();
     QWebEngineScript script;
     script.setName(QStringLiteral("editor"));
     script.setWorldId(kWorld);
@@ -216,9 +222,9 @@ void EditorView::loadSkeleton() {
     keysSent_ = keysSeen_ = 0;
     states_.clear();
     values_.clear();
-    const QString doctype = QString::fromStdString(document_->doctype());
+    doctype_ = document_->doctype();
     const QString html = QStringLiteral("%1<html id=\"pw-%2\"><head></head><body></body></html>")
-                             .arg(doctype)
+                             .arg(QString::fromStdString(doctype_))
                              .arg(generation_);
     auto* page = static_cast<EditorPage*>(view_->page());
     page->allowed = true;
@@ -233,7 +239,8 @@ void EditorView::viewReady(int token) {
     static_cast<EditorPage*>(view_->page())->allowed = false;
     if (document_->revision() != preparedRevision_) prepared_ = projection_->snapshot();
     configure();
-    run(QStringLiteral("pw.load(%1)").arg(QString::fromStdString(prepared_)));
+    // As a text, which is read faster than the same thing as a part of the script.
+    run(QStringLiteral("pw.load(JSON.parse(%1))").arg(literal(QString::fromStdString(prepared_))));
     prepared_.clear();
 }
 
@@ -285,7 +292,11 @@ void EditorView::sendSoon() {
 }
 
 void EditorView::sendOutgoing() {
-    if (life_ != Life::Alive || !projection_) return;
+    if (life_ != Life::Alive || !projection_ || !projection_->hasOutgoing()) return;
+    if (document_->doctype() != doctype_) {
+        loadSkeleton();
+        return;
+    }
     const std::string message = projection_->takeOutgoing();
     if (message.empty()) return;
     run(QStringLiteral("pw.apply(%1)").arg(QString::fromStdString(message)));
@@ -356,6 +367,10 @@ void EditorView::Flush() {
     grace.start();
     while (life_ == Life::Alive) {
         sendOutgoing();
+        if (life_ == Life::Loading) {
+            Flush();
+            return;
+        }
         const int token = ++lastToken_;
         run(QStringLiteral("pw.sync(%1,true)").arg(token));
         if (!waitFor([&] { return syncedToken_ >= token; })) return;

@@ -87,6 +87,7 @@ class EditorView : public QWidget, public EditorSurface {
     dom::Document* document_ = nullptr;
     std::unique_ptr<dom::Projection> projection_;
     QString baseUrl_;
+    std::string doctype_;  ///< of the skeleton
     Life life_ = Life::Empty;
     int generation_ = 0;    ///< counts the skeletons loaded
     std::string prepared_;  ///< snapshot made while the renderer starts, and its revision

@@ -6,9 +6,10 @@
 'use strict';
 
 const pw = (function () {
-  const idOf = new WeakMap();
+  // The number of a node is its property pwId; pwLive is true while the program has it in its tree,
+  // as far as we know. They are properties, which no page can see from its own world, because weak
+  // maps of so many nodes cost more than building the page does.
   const nodeOf = new Map();
-  const live = new WeakSet();  // nodes that the program has in its tree, as far as we know
   const trueNames = new Map();  // stand-in tag -> tag that the DOM calls refuse
   let nextId = -1;
   let sequence = 0;  // of the last batch sent
@@ -40,12 +41,12 @@ const pw = (function () {
   // --- Records: a node written out ---------------------------------------------------------------
 
   function give(node, id) {
-    idOf.set(node, id);
+    node.pwId = id;
     nodeOf.set(id, node);
   }
 
   function idFor(node) {
-    let id = idOf.get(node);
+    let id = node.pwId;
     if (id === undefined) give(node, id = nextId--);
     else nodeOf.set(id, node);
     return id;
@@ -63,7 +64,7 @@ const pw = (function () {
   // as numbers alone, unless everything is asked for.
   function record(node, written, everything) {
     const id = idFor(node);
-    live.add(node);
+    node.pwLive = true;
     if (written) written.add(node);
     if (node.nodeType === ELEMENT) {
       const attributes = [];
@@ -71,7 +72,7 @@ const pw = (function () {
       const foreign = node.namespaceURI === SVG || node.namespaceURI === MATHML ? 1 : 0;
       const name = trueNames.get(node.localName) || node.localName;
       const children = childrenOf(node).map(
-          child => !everything && live.has(child) ? idOf.get(child)
+          child => !everything && child.pwLive ? child.pwId
                                                   : record(child, written, everything));
       return [id, ELEMENT, name, attributes, children, foreign];
     }
@@ -133,7 +134,7 @@ const pw = (function () {
       arrange(node, rec[4]);
     }
     give(node, id);
-    live.add(node);
+    node.pwLive = true;
     return node;
   }
 
@@ -200,8 +201,8 @@ const pw = (function () {
   }
 
   function forget(node) {
-    live.delete(node);
-    const id = idOf.get(node);
+    node.pwLive = false;
+    const id = node.pwId;
     if (id !== undefined) nodeOf.delete(id);
     for (let child = node.firstChild; child; child = child.nextSibling) forget(child);
   }
@@ -241,24 +242,24 @@ const pw = (function () {
     const batch = {n: sequence + 1, seen, kind, k: [], a: [], t: []};
     const lists = [];
     for (const parent of parents)
-      if (parent.isConnected && live.has(parent)) lists.push([depth(parent), parent]);
+      if (parent.isConnected && parent.pwLive) lists.push([depth(parent), parent]);
     lists.sort((x, y) => x[0] - y[0]);
     // A parent may turn out to be part of a record written for one above it.
     const written = new Set();
-    const entry = node => live.has(node) ? idOf.get(node) : record(node, written, false);
+    const entry = node => node.pwLive ? node.pwId : record(node, written, false);
     for (const [, parent] of lists)
-      if (!written.has(parent)) batch.k.push([idOf.get(parent), childrenOf(parent).map(entry)]);
-    const reported = node => node.isConnected && live.has(node) && !written.has(node);
+      if (!written.has(parent)) batch.k.push([parent.pwId, childrenOf(parent).map(entry)]);
+    const reported = node => node.isConnected && node.pwLive && !written.has(node);
     for (const [node, names] of attributes) {
       if (!reported(node)) continue;
       for (const name of names) {
         const value = node.getAttribute(name);
-        batch.a.push([idOf.get(node), name, value === null ? null : wellFormed(value)]);
+        batch.a.push([node.pwId, name, value === null ? null : wellFormed(value)]);
       }
     }
     for (const [node, before] of texts) {
       if (!reported(node) || node.data === before) continue;
-      batch.t.push([idOf.get(node), ...difference(before, node.data)]);
+      batch.t.push([node.pwId, ...difference(before, node.data)]);
     }
     parents = new Set();
     removed = new Set();
@@ -355,7 +356,7 @@ const pw = (function () {
       if (child.nodeType !== DOCTYPE) child.remove();
     for (const rec of message.full) document.appendChild(build(rec, null));
     give(document, message.root);
-    live.add(document);
+    document.pwLive = true;
     for (const listener of pwListeners.shown) listener();
     scrollTo(left, top);
   }
@@ -364,14 +365,15 @@ const pw = (function () {
   function load(message) {
     sequence = message.n;
     observer.disconnect();
+    // Before there is anything to be laid out twice.
+    document.designMode = 'on';
+    document.execCommand('styleWithCSS', false, 'false');
+    document.execCommand('defaultParagraphSeparator', false, 'p');
     replaceAll(message);
     observer.takeRecords();
     parents.clear(); removed.clear(); attributes.clear(); texts.clear();
     observe();
     seen = message.m;
-    document.designMode = 'on';
-    document.execCommand('styleWithCSS', false, 'false');
-    document.execCommand('defaultParagraphSeparator', false, 'p');
     if (message.sel) select(message.sel);
     lastSelection = JSON.stringify(selection());
     call('applied', seen);
@@ -383,22 +385,22 @@ const pw = (function () {
   let control = null;  // the object selected as a whole
 
   function place(node, offset) {
-    while (node && !live.has(node)) {
+    while (node && !node.pwLive) {
       if (!node.parentNode) return null;
       offset = [...node.parentNode.childNodes].indexOf(node);
       node = node.parentNode;
     }
     if (!node || !node.isConnected) return null;
-    if (node.nodeType !== ELEMENT && node.nodeType !== 9) return [idOf.get(node), offset];
+    if (node.nodeType !== ELEMENT && node.nodeType !== 9) return [node.pwId, offset];
     let index = 0;
     for (let child = node.firstChild, i = 0; child && i < offset; child = child.nextSibling, i++)
       if (child.nodeType !== DOCTYPE && !hidden.has(child)) index++;
-    return [idOf.get(node), index];
+    return [node.pwId, index];
   }
 
   // [0] none · [1, node, offset, node, offset] text, anchor and focus · [2, node] an object
   function selection() {
-    if (control && control.isConnected && live.has(control)) return [2, idOf.get(control)];
+    if (control && control.isConnected && control.pwLive) return [2, control.pwId];
     const s = getSelection();
     if (!s.rangeCount || !s.anchorNode || !s.focusNode) return [0];
     const anchor = place(s.anchorNode, s.anchorOffset);
@@ -537,7 +539,7 @@ const pw = (function () {
   const api = {
     executing: false, begin, ensureCaret, call, load, apply, sync, execute, sendAll, flush, select, selectObject, hidden, record,
     childrenOf, stateDue, reportState, listeners: pwListeners, KINDS,
-    idOf: node => idOf.get(node), nodeOf: id => nodeOf.get(id), isLive: node => live.has(node),
+    nodeOf: id => nodeOf.get(id),
     control: () => control, countKey: () => { keysSeen++; },
   };
   return api;

@@ -88,8 +88,8 @@
   }
 
   const known = node => {
-    while (node && !pw.isLive(node)) node = node.parentNode;
-    return node ? pw.idOf(node) : 0;
+    while (node && !node.pwLive) node = node.parentNode;
+    return node ? node.pwId : 0;
   };
 
   let pressed = null;

@@ -1,0 +1,228 @@
+// From a key press to the change in the program's document, on a page of 1 MB, beside the same key
+// in a bare browser view to its `input` event; and the time until a page stands in the view, beside
+// a bare view that loads it. Prints rows of the table of benches.
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWebEnginePage>
+#include <QWebEngineView>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "platform/qt/editor/EditorView.h"
+
+namespace {
+
+double now() {
+    return std::chrono::duration<double, std::milli>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+double median(std::vector<double> values) {
+    if (values.empty()) return 0;
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/** A page like those of a manual: headings, paragraphs, lists, a table now and then. */
+std::string page(std::size_t size) {
+    std::string html = "<!DOCTYPE html>\n<html><head><title>Manual</title></head><body>\n";
+    for (int i = 0; html.size() < size; ++i) {
+        const std::string n = std::to_string(i);
+        html += "<h2>Section " + n + "</h2>\n<p>This section tells how <b>part " + n +
+                "</b> is set up, what <a href=\"p" + n +
+                ".htm\">the other parts</a> expect of it, and what happens when it is left out. "
+                "Most sites need only the first of these settings.</p>\n<p>The text goes on for "
+                "another paragraph, so that there is something to lay out.</p>\n"
+                "<ul><li>one item</li><li>and <i>another</i></li></ul>\n";
+        if (i % 5 == 0)
+            html += "<table border=\"1\"><tr><td>name</td><td>value</td></tr><tr><td>" + n +
+                    "</td><td>text</td></tr></table>\n";
+    }
+    return html + "</body></html>\n";
+}
+
+void rest(int milliseconds) {
+    QTest::qWait(milliseconds);
+}
+
+void press(QWidget& target) {
+    QTest::sendKeyEvent(QTest::Press, &target, Qt::Key_A, QStringLiteral("a"), Qt::NoModifier);
+}
+void release(QWidget& target) {
+    QTest::sendKeyEvent(QTest::Release, &target, Qt::Key_A, QStringLiteral("a"), Qt::NoModifier);
+}
+
+class Ours : public pw::dom::DocumentObserver {
+  public:
+    explicit Ours(const std::string& html) : document(pw::dom::Document::parse(html)) {
+        view.resize(1000, 700);
+        view.show();
+        view.Show(*document, "file:///tmp/");
+        view.Flush();
+        document->addObserver(this);
+    }
+    ~Ours() override {
+        view.Clear();
+        document->removeObserver(this);
+    }
+    void documentChanged(const pw::dom::Change&) override { changed = now(); }
+
+    void focus() {
+        view.activateWindow();
+        view.view()->focusProxy()->setFocus();
+        for (pw::dom::Node* node = document->body(); node; node = node->following())
+            if (node->isText() && node->data().find("what happens") != std::string::npos) {
+                document->collapse({node, 20});
+                break;
+            }
+        view.Flush();
+    }
+    double key() {
+        changed = 0;
+        const double start = now();
+        press(*view.view()->focusProxy());
+        if (!QTest::qWaitFor([&] { return changed > 0; }, 10000)) return 0;
+        release(*view.view()->focusProxy());
+        return changed - start;
+    }
+
+    std::unique_ptr<pw::dom::Document> document;
+    pw::EditorView view;
+    double changed = 0;
+};
+
+class BarePage : public QWebEnginePage {
+  public:
+    using QWebEnginePage::QWebEnginePage;
+    double input = 0;
+
+  protected:
+    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString& message, int,
+                                  const QString&) override {
+        input = message.toDouble();
+    }
+};
+
+class Rival {
+  public:
+    explicit Rival(const QString& file) {
+        view.setPage(bare);
+        view.resize(1000, 700);
+        view.show();
+        bool loaded = false;
+        QObject::connect(bare, &QWebEnginePage::loadFinished, [&] { loaded = true; });
+        view.load(QUrl::fromLocalFile(file));
+        if (!QTest::qWaitFor([&] { return loaded; }, 60000)) std::abort();
+        run("document.designMode = 'on';"
+            "addEventListener('input', () => console.log(performance.timeOrigin + "
+            "performance.now()));");
+    }
+    void focus() {
+        view.activateWindow();
+        view.focusProxy()->setFocus();
+        run("getSelection().collapse(document.querySelector('p').firstChild, 20)");
+    }
+    double key() {
+        bare->input = 0;
+        const double start = now();
+        press(*view.focusProxy());
+        if (!QTest::qWaitFor([&] { return bare->input > 0; }, 10000)) return 0;
+        release(*view.focusProxy());
+        return bare->input - start;
+    }
+    void run(const char* script) {
+        bool done = false;
+        bare->runJavaScript(QLatin1String(script), [&](const QVariant&) { done = true; });
+        if (!QTest::qWaitFor([&] { return done; }, 30000)) std::abort();
+    }
+
+    QWebEngineView view;
+    BarePage* bare = new BarePage(&view);
+};
+
+void row(const char* what, const std::vector<double>& ours, const std::vector<double>& rival) {
+    const double a = median(ours);
+    const double b = median(rival);
+    std::printf("%s\t%.1f ms\t%.1f ms\t%.2f\t1.5\n", what, a, b, b > 0 ? a / b : 99);
+    std::fflush(stdout);
+}
+
+void measureTyping(const std::string& html, const QString& file) {
+    Ours ours(html);
+    Rival rival(file);
+    std::vector<double> a;
+    std::vector<double> b;
+    // In turns, so that whatever else the machine does falls on both.
+    for (int round = 0; round < 4; ++round) {
+        rival.view.hide();
+        ours.view.show();
+        rest(500);
+        ours.focus();
+        for (int i = 0; i < 12; ++i) {
+            const double time = ours.key();
+            if (i > 1) a.push_back(time);
+            rest(120);
+        }
+        ours.view.hide();
+        rival.view.show();
+        rest(500);
+        rival.focus();
+        for (int i = 0; i < 12; ++i) {
+            const double time = rival.key();
+            if (i > 1) b.push_back(time);
+            rest(120);
+        }
+    }
+    row("key press to change in the document, page of 1 MB", a, b);
+}
+
+// A view of our own against a bare one in the same process: what building the page by script costs.
+void measureShowing(const std::string& html, const QString& file) {
+    std::vector<double> a;
+    std::vector<double> b;
+    for (int round = 0; round < 6; ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        {
+            Ours ours(html);
+            if (round) a.push_back(double(timer.nsecsElapsed()) / 1e6);
+        }
+        timer.restart();
+        {
+            Rival rival(file);
+            if (round) b.push_back(double(timer.nsecsElapsed()) / 1e6);
+        }
+    }
+    row(html.size() > 500'000 ? "page of 1 MB shown in the editing view"
+                              : "page of 40 KB shown in the editing view",
+        a, b);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QTemporaryDir folder;
+    for (const std::size_t size : {40'000, 1'000'000}) {
+        const std::string html = page(size);
+        const QString file = folder.filePath(QStringLiteral("page%1.htm").arg(size));
+        QFile out(file);
+        if (!out.open(QIODevice::WriteOnly)) return 1;
+        out.write(html.data(), qint64(html.size()));
+        out.close();
+        measureShowing(html, file);
+        if (size > 500'000) measureTyping(html, file);
+    }
+    return 0;
+}
