@@ -145,6 +145,7 @@ TEST_F(CommandBarViewTest, PointerTellsItsTool) {
     std::vector<int> told;
     bar.MouseEnter = [&](int number) { told.push_back(number); };
     bar.MouseExit = [&] { told.push_back(0); };
+    window.setFocus();
     emit view->menu("mnuFormat")->hovered(view->action(404));
     emit view->menu("mnuFormat")->aboutToHide();
     QEvent leave(QEvent::Leave);

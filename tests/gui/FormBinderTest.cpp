@@ -5,6 +5,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -274,6 +275,19 @@ TEST_F(FormBinderTest, NumbersColorsAndTabs) {
     strip.SetSelected(0);
     EXPECT_EQ(tabs->currentIndex(), 0);
     EXPECT_EQ(clicks, 2);
+}
+
+TEST_F(FormBinderTest, DatesAreDayCounts) {
+    auto* date = form.add<QDateEdit>("dtpDue");
+    DatePicker due(&owner, "dtpDue");
+    due.SetValue(45000.25);
+    bind();
+    EXPECT_EQ(date->date(), QDate(2023, 3, 15));
+    EXPECT_EQ(due.Value(), 45000.25) << "showing it takes no part of the day off";
+    date->setDate(QDate(2023, 3, 16));
+    EXPECT_EQ(due.Value(), 45001);
+    due.SetValue(0);
+    EXPECT_EQ(date->text(), " ");
 }
 
 TEST_F(FormBinderTest, LongListsMakeOnlyTheRowsThatAreSeen) {

@@ -4,6 +4,7 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDateEdit>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -261,6 +262,32 @@ class UpDownBinding : public Binding {
     QSpinBox* box_;
 };
 
+/** The first date that the widget knows stands for none, and is shown as an empty field. */
+class DateBinding : public Binding {
+  public:
+    DateBinding(Control& control, QWidget& widget)
+        : Binding(control, widget),
+          model_(static_cast<DatePicker&>(control)),
+          box_(qobject_cast<QDateEdit*>(&widget)) {
+        box_->setMinimumDate(dayZero());
+        box_->setSpecialValueText(QStringLiteral(" "));
+        connect(box_, &QDateEdit::dateChanged, this, [this](QDate date) {
+            if (!showing()) model_.SetValue(double(dayZero().daysTo(date)));
+        });
+    }
+    static bool fits(const QWidget& widget) {
+        return qobject_cast<const QDateEdit*>(&widget) != nullptr;
+    }
+
+  protected:
+    void show(Aspect) override { box_->setDate(dayZero().addDays(qint64(model_.Value()))); }
+
+  private:
+    static QDate dayZero() { return {1899, 12, 30}; }
+    DatePicker& model_;
+    QDateEdit* box_;
+};
+
 class ProgressBinding : public Binding {
   public:
     ProgressBinding(Control& control, QWidget& widget)
@@ -406,9 +433,10 @@ std::unique_ptr<Binding> makeBinding(Control& control, QWidget& widget) {
             return makeIfFits<FrameBinding>(control, widget);
         case ControlKind::UpDown:
             return makeIfFits<UpDownBinding>(control, widget);
-        default:
-            return nullptr;
+        case ControlKind::DatePicker:
+            return makeIfFits<DateBinding>(control, widget);
     }
+    return nullptr;
 }
 
 }  // namespace pw

@@ -175,10 +175,10 @@ QMenu* CommandBarView::makeMenu(const Band& band) {
         bar_.OpenBand(name);
         if (const Band* opening = bar_.FindBand(name)) captionItems(*opening);
     });
-    connect(made, &QMenu::aboutToHide, this, [this] { bar_.PointerLeaves(); });
+    connect(made, &QMenu::aboutToHide, this, [this] { pointerOn(0); });
     connect(made, &QMenu::hovered, this, [this](const QAction* hovered) {
         for (const auto& [number, action] : actions_) {
-            if (action == hovered) return bar_.PointerEnters(number);
+            if (action == hovered) return pointerOn(number);
         }
     });
     return made;
@@ -194,6 +194,8 @@ void CommandBarView::fillMenu(QMenu& menu, const Band& band) {
             case BandItem::Kind::SubBand:
                 if (QMenu* sub = this->menu(item.subBand)) {
                     if (!item.caption.empty()) sub->setTitle(toQt(item.caption));
+                    const Tool* tool = bar_.FindTool(item.number);
+                    if (tool) sub->setIcon(QIcon::fromTheme(toQt(tool->icon)));
                     menu.addMenu(sub);
                 }
                 break;
@@ -301,11 +303,22 @@ QMenu* CommandBarView::makeToolBarMenu(QToolBar* pressed, const std::string& lis
 
 bool CommandBarView::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Enter || event->type() == QEvent::FocusIn) {
-        bar_.PointerEnters(watched->property(numberProperty).toInt());
+        pointerOn(watched->property(numberProperty).toInt());
     } else if (event->type() == QEvent::Leave || event->type() == QEvent::FocusOut) {
-        bar_.PointerLeaves();
+        pointerOn(0);
     }
     return false;
+}
+
+void CommandBarView::pointerOn(int number) {
+    // A button and the menus that its tool stands on all tell of it.
+    if (number == pointedAt_) return;
+    pointedAt_ = number;
+    if (number != 0) {
+        bar_.PointerEnters(number);
+    } else {
+        bar_.PointerLeaves();
+    }
 }
 
 // --- What the model tells -----------------------------------------------------------------------

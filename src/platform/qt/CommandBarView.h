@@ -53,9 +53,11 @@ class CommandBarView : public QObject, public CommandBarObserver {
     void fillToolBar(QToolBar& toolBar, const Band& band);
     QComboBox* makeComboBox(const Tool& tool, QToolBar& parent);
     void refreshEnabled();
+    void pointerOn(int number);  ///< 0: on none
 
     CommandBar& bar_;
     QMainWindow& window_;
+    int pointedAt_ = 0;
     std::map<int, QAction*> actions_;
     std::map<int, QComboBox*> combos_;
     std::map<std::string, QMenu*> menus_;

@@ -1,5 +1,6 @@
 #pragma once
 #include <QPlainTextEdit>
+#include <QTextCursor>
 
 #include <functional>
 
@@ -30,6 +31,8 @@ class SourceView : public QPlainTextEdit, public SourceBox {
     bool CanUndo() const override { return document()->isUndoAvailable(); }
     bool CanRedo() const override { return document()->isRedoAvailable(); }
     void SetFocus() override { setFocus(); }
+    void BeginStep() override { QTextCursor(document()).beginEditBlock(); }
+    void EndStep() override { QTextCursor(document()).endEditBlock(); }
 
     struct Events {
         std::function<void()> typed;

@@ -52,7 +52,9 @@ class TextBinding : public Binding {
     void show(Aspect aspect) override {
         if (line_) {
             line_->setReadOnly(model_.readOnly);
-            line_->setMaxLength(model_.maxLength > 0 ? model_.maxLength : 32767);
+            // Setting it moves the caret, even to the same length.
+            const int length = model_.maxLength > 0 ? model_.maxLength : 32767;
+            if (line_->maxLength() != length) line_->setMaxLength(length);
         } else {
             box_->setReadOnly(model_.readOnly);
         }

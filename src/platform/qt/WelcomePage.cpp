@@ -122,7 +122,8 @@ void WelcomePage::showColors() {
 
 void WelcomePage::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange) showColors();
+    // The first change comes while the page is still being made.
+    if (event->type() == QEvent::PaletteChange && subtitle_) showColors();
 }
 
 }  // namespace pw

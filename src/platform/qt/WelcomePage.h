@@ -24,9 +24,9 @@ class WelcomePage : public QWidget {
 
   private:
     void showColors();
-    QLabel* subtitle_;
-    QLabel* recentHeading_;
-    QListWidget* recent_;
+    QLabel* subtitle_ = nullptr;
+    QLabel* recentHeading_ = nullptr;
+    QListWidget* recent_ = nullptr;
 };
 
 }  // namespace pw
