@@ -11,134 +11,68 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "mainwindow/Program.h"
+#include "mainwindow/frmDocument.h"
 #include "platform/qt/CommandBarView.h"
 #include "platform/qt/DocumentWindow.h"
 #include "platform/qt/FormBinder.h"
 #include "platform/qt/MainWindow.h"
 #include "platform/qt/QtDialogHost.h"
+#include "platform/qt/QtMessageLoop.h"
 #include "platform/qt/Theme.h"
+#include "platform/qt/editor/EditorView.h"
+#include "support/TestContext.h"
+#include "support/TestPlaces.h"
 
 namespace pw {
 namespace {
 
-/** A small project, so that there is something to see. */
-struct Sample : ControlOwner {
-    TreeView tvwProjectExplorer{this, "tvwProjectExplorer"};
-    TreeView tvwPageExplorer{this, "tvwPageExplorer"};
-    ListView lvwTasks{this, "lvwTasks"};
-    ControlArray<Label, 3> sbrMain{this, "sbrMain"};
-    ProgressBar prgProgress{this, "prgProgress"};
-    CommandBar bar;
-
-    void add(TreeView& tree, const char* parent, const char* key, const char* text, int image,
-             int open = 0) {
-        TreeNode node;
-        node.key = key;
-        node.text = text;
-        node.image = image;
-        node.expandedImage = open;
-        node.expanded = true;
-        tree.Add(parent, node);
-    }
-
-    Sample() {
-        add(tvwProjectExplorer, "", "W", "Shop", 1);
-        add(tvwProjectExplorer, "W", "S", "Web Site", 2);
-        add(tvwProjectExplorer, "S", "1", "Shop Home Page", 10);
-        add(tvwProjectExplorer, "S", "2", "About us", 5);
-        add(tvwProjectExplorer, "S", "F", "articles", 7, 8);
-        add(tvwProjectExplorer, "F", "3", "Autumn", 5);
-        add(tvwProjectExplorer, "F", "4", "Frame page", 6);
-        tvwProjectExplorer.SetSelected("1");
-        struct Element {
-            const char* key;
-            const char* text;
-            int image;
+/** The program itself in a profile of its own, with real windows. */
+struct ShownProgram {
+    explicit ShownProgram(const std::string& file) {
+        EXPECT_TRUE(SetRegText(*outer.hive, "General", "First Name", "Ann"));
+        EXPECT_TRUE(SetRegText(*outer.hive, "General", "User E-mail", "ann@example.org"));
+        EXPECT_TRUE(SetRegNumber(*outer.hive, "Other", "Skill Level", 2));
+        Places places = outer.frame.places;
+        places.programFolder = GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
+        ProgramParts parts;
+        parts.makeWindow = [this]() -> MainWindowSurface& { return window; };
+        parts.bindWindow = [this](frmMDIMain& controls) {
+            window.bind(controls, controls.barMain, {});
         };
-        add(tvwPageExplorer, "", "B", "<BODY>", 23);
-        for (const Element& element : {Element{"a", "index.htm", 44}, Element{"b", "logo.gif", 41},
-                                       Element{"c", "<TABLE>", 50}, Element{"d", "<TR>", 51},
-                                       Element{"e", "<FORM>", 28}, Element{"f", "email", 35},
-                                       Element{"g", "agree", 31}, Element{"h", "<HR>", 43},
-                                       Element{"i", "Merge Variable Title", 20},
-                                       Element{"j", "JavaScript", 49}, Element{"k", "DIV", 27}}) {
-            add(tvwPageExplorer, "B", element.key, element.text, element.image);
-        }
-        lvwTasks.SetColumns({{"Task", 260}, {"Priority", 90}, {"Status", 120}, {"Due", 100}});
-        for (int i = 0; i < 3; ++i) {
-            ListRow row;
-            row.key = std::to_string(i);
-            row.image = i == 1 ? 12 : 11;
-            row.cells = {"Write the page about us", "Normal", i == 1 ? "Completed" : "Not started",
-                         "24.12.2026"};
-            lvwTasks.Add(row);
-        }
-        sbrMain[0].SetCaption("For Help, press F1");
-        sbrMain[1].SetCaption("12KB");
-        sbrMain[1].tag = "59";
-        sbrMain[2].SetCaption("3 seconds over 56K modem (12KB)");
-        sbrMain[2].tag = "58";
-        prgProgress.SetValue(40);
-        makeBar();
+        const FrameContext& frame = outer.frame;
+        program = std::make_unique<Program>(
+            World{frame.files, frame.hive, frame.clock, frame.system, loop, frame.dialogs,
+                  frame.clipboard, frame.launcher},
+            places, std::move(parts));
+        EXPECT_EQ(program->Start(file), StartupResult::Running);
+        window.showNormal();
+        window.resize(1200, 800);
+        settle();
+    }
+    ~ShownProgram() {
+        program->Shutdown();
+        window.unbind();
+        program.reset();
+    }
+    /** Until the page in front can be looked at. */
+    void settle() {
+        const auto idle = [this] {
+            const frmDocument* page = program->Window().Context().CurrentDocument();
+            return !page || !page->docDHTMLEditor.Busy();
+        };
+        EXPECT_TRUE(QTest::qWaitFor(idle, 20000));
+        QTest::qWait(400);
     }
 
-    void makeBar();
+    test::TestContext outer;
+    QtMessageLoop loop;
+    MainWindow window{[](QWidget* parent) {
+        auto* view = new EditorView(parent);
+        return EditorParts{view, view};
+    }};
+    std::unique_ptr<Program> program;
 };
-
-struct Command {
-    int number;
-    const char* caption;
-    const char* icon;
-    const char* shortcut;
-};
-
-void Sample::makeBar() {
-    Tool block;
-    block.number = 401;
-    block.kind = ToolKind::Combo;
-    block.items = {"Normal", "Heading 1", "Heading 2"};
-    block.text = "Normal";
-    bar.AddTool(block);
-    std::vector<BandItem> format{{BandItem::Kind::Tool, 401, "Block Format", ""}};
-    std::vector<BandItem> standard;
-    const auto add = [this](std::vector<BandItem>& items, const Command& command) {
-        Tool tool;
-        tool.number = command.number;
-        tool.icon = command.icon;
-        tool.shortcut = command.shortcut;
-        tool.checked = command.number == 404;
-        tool.enabled = command.number != 102;
-        bar.AddTool(tool);
-        items.push_back({BandItem::Kind::Tool, command.number, command.caption, ""});
-    };
-    for (const Command& command :
-         {Command{2, "&New Page...", "document-new", "Ctrl+N"},
-          Command{6, "&Open Project...", "document-open", "Ctrl+O"},
-          Command{7, "Sa&ve Project", "document-save", "Ctrl+S"},
-          Command{101, "U&ndo", "edit-undo", "Ctrl+Z"}, Command{102, "&Redo", "edit-redo", ""}}) {
-        add(standard, command);
-    }
-    for (const Command& command : {Command{404, "&Bold", "format-text-bold", "Ctrl+B"},
-                                   Command{405, "&Italic", "format-text-italic", "Ctrl+I"},
-                                   Command{409, "Align &Left", "format-justify-left", ""}}) {
-        add(format, command);
-    }
-    using Kind = BandItem::Kind;
-    bar.AddBand({"mnuMain", "", BandKind::Menu,
-                 {{Kind::SubBand, 0, "&File", "mnuFile"}, {Kind::SubBand, 0, "F&ormat", "mnuFormat"}}});
-    bar.AddBand({"mnuFile", "&File", BandKind::Menu, standard});
-    bar.AddBand({"mnuFormat", "F&ormat", BandKind::Menu, format});
-    bar.AddBand({"Standard", "Standard", BandKind::Toolbar, standard});
-    bar.AddBand({"Format", "Format", BandKind::Toolbar, format});
-}
-
-const char* const samplePage =
-    "<!DOCTYPE html>\r\n<html>\r\n<head>\r\n<title>Shop</title>\r\n<style>\r\n"
-    "p { color: navy; }\r\n</style>\r\n</head>\r\n<body bgcolor=\"#ffffff\">\r\n"
-    "<!-- The banner\r\n     of the shop -->\r\n"
-    "<h1 align=center>Welcome to the <b>Shop</b></h1>\r\n"
-    "<p>Tea &amp; <a href=\"coffee.htm\" target='_top'>coffee</a></p>\r\n"
-    "<hr noshade>\r\n</body>\r\n</html>\r\n";
 
 class Album {
   public:
@@ -156,38 +90,36 @@ class Album {
 };
 
 void keepMainWindow(const Album& album) {
-    Sample sample;
-    MainWindow window;
-    window.bind(sample, sample.bar, {});
-    window.resize(1200, 780);
-    window.SetCaption("Pagewick");
-    window.ShowWelcome(true, {"\\home\\ann\\Documents\\Shop.pwp", "\\home\\ann\\Club.pwp"});
-    album.keep(window, "welcome");
-    window.ShowWelcome(false, {});
-    window.SetCaption("Pagewick - Shop");
-    const auto page = window.CreateDocument();
-    page->SetCaption("Shop Home Page [index.htm]");
-    page->Source().SetText(samplePage, {0x800000, 0x0000A0, 0x008000, 0xFFFFFF});
-    page->SetViewTabs(3, View::Html);
-    page->ShowView(View::Html);
-    album.keep(window, "source");
-    page->ShowPreview(samplePage, "file:///tmp/");
-    page->SetViewTabs(3, View::Preview);
-    page->ShowView(View::Preview);
-    window.show();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !page->Browser()->Busy(); }, 10000));
-    QTest::qWait(500);
-    album.keep(window, "preview");
+    const std::string data = GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
+    {
+        ShownProgram shown("");
+        shown.window.ShowWelcome(true, {"\\home\\ann\\Documents\\Shop.pwp", "\\srv\\Club.pwp"});
+        album.keep(shown.window, "welcome");
+    }
+    ShownProgram shown(data + "\\example\\index.html");
+    MainWindow& window = shown.window;
+    album.keep(window, "normal");
+    auto* document = shown.program->Window().Context().CurrentDocument();
+    ASSERT_TRUE(document);
+    for (const auto& [view, name] : {std::pair{View::Html, "source"}, {View::Preview, "preview"}}) {
+        document->Surface().events.tabPressed(view);
+        shown.settle();
+        QTest::qWait(1000);
+        album.keep(window, name);
+    }
+    document->Surface().events.tabPressed(View::Normal);
     const auto second = window.CreateDocument();
     second->SetCaption("About us [about.htm]");
     window.Arrange(Arrangement::TileHorizontally);
     album.keep(window, "tiled");
     window.Arrange(Arrangement::Cascade);
     album.keep(window, "cascade");
-    QMenu* menu = window.bars()->menu("mnuFile");
-    menu->popup(window.mapToGlobal(QPoint(4, 30)));
-    album.keep(*menu, "menu");
-    menu->close();
+    for (const char* name : {"mnuFile", "mnuView", "mnuFormat"}) {
+        QMenu* menu = window.bars()->menu(name);
+        menu->popup(window.mapToGlobal(QPoint(4, 30)));
+        album.keep(*menu, name);
+        menu->close();
+    }
 }
 
 void keepForms(const Album& album) {

@@ -1,8 +1,6 @@
 #include "platform/qt/ExplorerPane.h"
 
-#include <QEvent>
 #include <QHBoxLayout>
-#include <QStyle>
 #include <QVBoxLayout>
 
 namespace pw {
@@ -34,14 +32,8 @@ ExplorerPane::ExplorerPane(const QString& name, const QString& title, QWidget* c
     column->addLayout(bar);
     content->setParent(this);
     content->setAccessibleName(title);
-    content->installEventFilter(this);
     column->addWidget(content, 1);
     setFocusProxy(content);
-}
-
-bool ExplorerPane::eventFilter(QObject*, QEvent* event) {
-    if (event->type() == QEvent::FocusIn) emit contentFocused();
-    return false;
 }
 
 }  // namespace pw

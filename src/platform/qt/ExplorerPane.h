@@ -15,10 +15,6 @@ class ExplorerPane : public QFrame {
 
   signals:
     void closePressed();
-    void contentFocused();
-
-  protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 };
 
 }  // namespace pw

@@ -74,6 +74,11 @@ std::unique_ptr<QWidget> loadForm(const QString& name, QWidget* parent) {
     return std::unique_ptr<QWidget>(loader.load(&file, parent));
 }
 
+QIcon programIcon() {
+    bringResources();
+    return QIcon(formFolder + QStringLiteral("/pagewick.svg"));
+}
+
 QStringList formNames() {
     bringResources();
     QStringList names;

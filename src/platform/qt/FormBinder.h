@@ -1,6 +1,7 @@
 #pragma once
 // Brings a form (forms/NAME.ui) and the controls of its dialog together by their names: the widget
 // `txtVersion_1` shows the control "txtVersion_1". No dialog needs code of its own in the skin.
+#include <QIcon>
 #include <QStringList>
 #include <QWidget>
 
@@ -26,6 +27,8 @@ struct BindingReport {
 
 /** Loads the form of that name from the resources; none when there is none. */
 std::unique_ptr<QWidget> loadForm(const QString& name, QWidget* parent = nullptr);
+/** The program's own picture. */
+QIcon programIcon();
 /** The names of all forms in the resources. */
 QStringList formNames();
 

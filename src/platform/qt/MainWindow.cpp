@@ -10,6 +10,7 @@
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QStyledItemDelegate>
 #include <QTreeView>
 
 #include "platform/qt/CommandBarView.h"
@@ -26,6 +27,7 @@ namespace {
 
 constexpr int twipsToPixel = 15;
 constexpr int idleMilliseconds = 3000;
+constexpr int cascadeStep = 28;
 
 /** The panes by the numbers that the Edit commands know them by. */
 enum PaneNumber { pagePane = 0, projectPane = 1, pageExplorerPane = 2, taskPane = 3 };
@@ -33,11 +35,22 @@ enum PaneNumber { pagePane = 0, projectPane = 1, pageExplorerPane = 2, taskPane 
 /** Toolbars that begin a row of their own. */
 const QStringList rowStarts = {QStringLiteral("Format"), QStringLiteral("Insert")};
 
+/** A little air between the rows. */
+class RowDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        const QSize size = QStyledItemDelegate::sizeHint(option, index);
+        return QSize(size.width(), qMax(size.height(), option.fontMetrics.height()) + 4);
+    }
+};
+
 QTreeView* makeExplorer(const QString& name) {
     auto* view = new QTreeView;
     view->setObjectName(name);
     view->setFrameShape(QFrame::NoFrame);
     view->setIconSize(QSize(16, 16));
+    view->setItemDelegate(new RowDelegate(view));
     return view;
 }
 
@@ -46,6 +59,7 @@ QTreeView* makeExplorer(const QString& name) {
 MainWindow::MainWindow(EditorFactory editors) : editors_(std::move(editors)) {
     setObjectName(QStringLiteral("frmMDIMain"));
     setWindowTitle(QStringLiteral("Pagewick"));
+    QApplication::setWindowIcon(programIcon());
     setDockOptions(QMainWindow::AnimatedDocks);
     setUnifiedTitleAndToolBarOnMac(true);
     makePanes();
@@ -59,6 +73,9 @@ MainWindow::MainWindow(EditorFactory editors) : editors_(std::move(editors)) {
         if (events.idle) events.idle();
     });
     qApp->installEventFilter(this);
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](const QWidget*, const QWidget* now) { focusMoved(now); });
+    showColors();
 }
 
 MainWindow::~MainWindow() {
@@ -72,6 +89,7 @@ void MainWindow::makePanes() {
     pages_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     pages_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     pages_->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+    panes_[pagePane] = pages_;
     connect(pages_, &QMdiArea::subWindowActivated, this, [this](QMdiSubWindow* window) {
         // Told again whenever the program comes to the front; that is no change.
         if (!window || window == activePage_) return;
@@ -98,9 +116,9 @@ void MainWindow::makePanes() {
                                   makeExplorer(QStringLiteral("tvwPageExplorer")), this);
     auto* tasks = new ExplorerPane(QStringLiteral("picTaskExplorer"), tr("Task Explorer"),
                                    makeExplorer(QStringLiteral("lvwTasks")), this);
-    watchPane(project, projectPane, 209);
-    watchPane(page, pageExplorerPane, 210);
-    watchPane(tasks, taskPane, 211);
+    addExplorer(project, projectPane, 209);
+    addExplorer(page, pageExplorerPane, 210);
+    addExplorer(tasks, taskPane, 211);
 
     auto* explorers = new QSplitter(Qt::Vertical, this);
     explorers->setObjectName(QStringLiteral("picExplorers"));
@@ -125,13 +143,18 @@ void MainWindow::makePanes() {
     setCentralWidget(above);
 }
 
-void MainWindow::watchPane(ExplorerPane* pane, int number, int tool) {
+void MainWindow::addExplorer(ExplorerPane* pane, int number, int tool) {
     connect(pane, &ExplorerPane::closePressed, this, [this, tool] {
         if (actions_.explorerClosed) actions_.explorerClosed(tool);
     });
-    connect(pane, &ExplorerPane::contentFocused, this, [this, number] {
-        if (actions_.paneFocused) actions_.paneFocused(number);
-    });
+    panes_[number] = pane;
+}
+
+void MainWindow::focusMoved(const QWidget* now) {
+    if (!now || !actions_.paneFocused) return;
+    for (const auto& [number, pane] : panes_) {
+        if (pane->isAncestorOf(now)) return actions_.paneFocused(number);
+    }
 }
 
 void MainWindow::makeStatusBar() {
@@ -221,11 +244,32 @@ void MainWindow::Arrange(Arrangement how) {
     }
     switch (how) {
         case Arrangement::Cascade:
-            return pages_->cascadeSubWindows();
+            return cascade();
         case Arrangement::TileHorizontally:
             return tile(Qt::Vertical);
         case Arrangement::TileVertically:
             return tile(Qt::Horizontal);
+    }
+}
+
+void MainWindow::showColors() {
+    if (pages_) pages_->setBackground(palette().color(QPalette::Window).darker(112));
+}
+
+void MainWindow::changeEvent(QEvent* event) {
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) showColors();
+}
+
+void MainWindow::cascade() {
+    const QSize room = pages_->viewport()->size();
+    const QSize size(room.width() * 7 / 10, room.height() * 7 / 10);
+    QPoint place;
+    for (QMdiSubWindow* window : pages_->subWindowList(QMdiArea::StackingOrder)) {
+        if (!window->isVisible() || window->isMinimized()) continue;
+        if (!QRect(QPoint(), room).contains(QRect(place, size))) place = QPoint();
+        window->setGeometry(QRect(place, size));
+        place += QPoint(cascadeStep, cascadeStep);
     }
 }
 
@@ -344,12 +388,14 @@ QSize MainWindow::sizeHint() const {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (events.queryUnload && !events.queryUnload()) {
+    // Copies: the program takes its handlers away while it ends.
+    const Events handlers = events;
+    if (handlers.queryUnload && !handlers.queryUnload()) {
         event->ignore();
         return;
     }
-    if (events.unload) events.unload();
     event->accept();
+    if (handlers.unload) handlers.unload();
 }
 
 bool MainWindow::eventFilter(QObject*, QEvent* event) {

@@ -6,6 +6,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include <map>
 #include <memory>
 
 #include "mainwindow/Surfaces.h"
@@ -69,6 +70,7 @@ class MainWindow : public QMainWindow, public MainWindowSurface {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -76,7 +78,10 @@ class MainWindow : public QMainWindow, public MainWindowSurface {
     void makeStatusBar();
     void arrangeToolBars();
     void tile(Qt::Orientation direction);
-    void watchPane(ExplorerPane* pane, int number, int tool);
+    void cascade();
+    void addExplorer(ExplorerPane* pane, int number, int tool);
+    void focusMoved(const QWidget* now);
+    void showColors();
 
     EditorFactory editors_;
     MainWindowActions actions_;
@@ -87,6 +92,7 @@ class MainWindow : public QMainWindow, public MainWindowSurface {
     QStackedWidget* centre_ = nullptr;
     WelcomePage* welcome_ = nullptr;
     QMdiArea* pages_ = nullptr;
+    std::map<int, QWidget*> panes_;  ///< by the number that the Edit commands know them by
     QPointer<QWidget> activePage_;
     std::unique_ptr<FormBinder> binder_;
     std::unique_ptr<CommandBarView> bars_;

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QIcon>
 #include <QPalette>
+#include <QStandardPaths>
 #include <QStyleFactory>
 
 namespace pw {
@@ -42,6 +43,17 @@ QPalette darkPalette() {
     return palette;
 }
 
+/** Without a desktop Qt looks for icons in its own resources alone. */
+void searchSystemIcons() {
+    QStringList folders = QIcon::themeSearchPaths();
+    for (const QString& data : QStandardPaths::standardLocations(
+             QStandardPaths::GenericDataLocation)) {
+        const QString icons = data + QStringLiteral("/icons");
+        if (!folders.contains(icons)) folders << icons;
+    }
+    QIcon::setThemeSearchPaths(folders);
+}
+
 /** A name that every full theme has. */
 const QString probe = QStringLiteral("document-new");
 
@@ -49,6 +61,7 @@ const QString probe = QStringLiteral("document-new");
 
 Theme::Theme(QApplication& application, ColorScheme scheme)
     : QObject(&application), application_(application) {
+    searchSystemIcons();
     ownIcons_ = QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor") ||
                 !QIcon::hasThemeIcon(probe);
     // What another theme lacks comes from this one.
