@@ -70,12 +70,12 @@ void RunCommand(MainContext& context, int tool) {
     if (range == std::end(kRanges)) return;
     // Typing and a command never share an undo step.
     if (frmDocument* document = context.CurrentDocument()) {
-        document->docDHTMLEditor.WaitUntilReady();
+        document->WaitUntilReady();
         document->Document().sealStep();
     }
     Trap(context.frame.errorLog, "MDIMain.", range->name, [&] { range->run(context, tool); });
     if (frmDocument* document = context.CurrentDocument()) {
-        document->docDHTMLEditor.WaitUntilReady();
+        document->WaitUntilReady();
         document->Document().sealStep();
         document->MarkChanges();
     }

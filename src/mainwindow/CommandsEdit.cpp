@@ -22,8 +22,7 @@ constexpr int kPaste = 105;
 constexpr int kDelete = 106;
 constexpr int kSelectAll = 107;
 
-// --- The project explorer
-// ---------------------------------------------------------------------------
+// --- The project explorer -----------------------------------------------------------------------
 
 bool MayDelete(MainContext& context) {
     if (SelectedNodeLetter(context) != 'F') return true;
@@ -84,8 +83,7 @@ void EditInProjectExplorer(MainContext& context, int tool) {
     }
 }
 
-// --- The task list
-// ----------------------------------------------------------------------------------
+// --- The task list ------------------------------------------------------------------------------
 
 void EditInTaskList(MainContext& context, int tool) {
     if (!IsEditPossible(context, tool, Pane::TaskList)) return;
@@ -95,8 +93,7 @@ void EditInTaskList(MainContext& context, int tool) {
     RefreshTasks(context);
 }
 
-// --- The page
-// ---------------------------------------------------------------------------------------
+// --- The page -----------------------------------------------------------------------------------
 
 struct EditCommand {
     int tool;

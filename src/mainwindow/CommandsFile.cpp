@@ -15,6 +15,7 @@
 #include "project/SavePage.h"
 #include "project/Templates.h"
 #include "project/frmProject.h"
+#include "project/frmTask.h"
 #include "wizards/frmKindlerun.h"
 #include "wizards/frmProjectOpen.h"
 
@@ -94,6 +95,9 @@ void MenuFile(MainContext& context, int tool) {
             break;
         case 4:
             InsertFolder(context.project);
+            break;
+        case 5:
+            ShowNewTaskDialog(context.project);
             break;
         case 6:
             OpenProjectCommand(context);

@@ -20,8 +20,7 @@ frmDocument* DocumentInNormalView(MainContext& context) {
     return document && document->State() == View::Normal ? document : nullptr;
 }
 
-// --- Insert
-// -----------------------------------------------------------------------------------------
+// --- Insert -------------------------------------------------------------------------------------
 
 struct LineBreak {
     int tool;
@@ -32,8 +31,7 @@ constexpr LineBreak kLineBreaks[] = {
     {330, "<BR clear=all>"},
 };
 
-// --- Format
-// -----------------------------------------------------------------------------------------
+// --- Format -------------------------------------------------------------------------------------
 
 std::string ComboText(MainContext& context, int tool) {
     const Tool* combo = context.barMain.FindTool(tool);

@@ -44,7 +44,7 @@ void MenuView(MainContext& context, int tool) {
     frmDocument* document = context.CurrentDocument();
     switch (tool) {
         case 201:
-            if (context.ContextPane == Pane::ProjectExplorer) ShowProjectObjectDialog(context);
+            ShowPropertiesDialog(context);
             break;
         case 205:
             if (document && document->State() == View::Preview) document->ReloadFrames();

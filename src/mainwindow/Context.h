@@ -20,6 +20,8 @@ struct ProjectContext;
 /** Which pane the Edit commands and the context menu act on. */
 enum class Pane { Page = 0, ProjectExplorer = 1, PageExplorer = 2, TaskList = 3 };
 
+enum class MouseButton { None, Left, Right };
+
 /** What an element dialog does when it is confirmed. */
 enum class DialogMode { None = 0, Insert = 1, Edit = 2 };
 
@@ -56,10 +58,11 @@ struct MainContext {
     Pane CommandFocus = Pane::Page;
     Pane ContextPane = Pane::Page;
     bool SelectingFromExplorer = false;  ///< the page's selection comes from the page explorer
-    bool ClosingProject = false;         ///< windows go in a row: none gets to the front
-    bool FormatsFilled = false;          ///< the font tools have their lists
-    std::optional<bool> WelcomeShown;    ///< the page of the empty window
-    double ConnectionChecked = -1e9;     ///< monotonic seconds
+    MouseButton ExplorerPress = MouseButton::None;  ///< that is down on the project explorer
+    bool ClosingProject = false;                    ///< windows go in a row: none gets to the front
+    bool FormatsFilled = false;                     ///< the font tools have their lists
+    std::optional<bool> WelcomeShown;               ///< the page of the empty window
+    double ConnectionChecked = -1e9;                ///< monotonic seconds
 
     /** The element last hit by the mouse or chosen in the page explorer, in the current page. */
     dom::Node* CurrentElement() const { return element_; }

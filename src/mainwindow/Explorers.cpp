@@ -16,6 +16,8 @@
 #include "platform/dom/TextRange.h"
 #include "project/Folders.h"
 #include "project/Pages.h"
+#include "project/Tasks.h"
+#include "project/frmTask.h"
 
 namespace pw {
 
@@ -23,8 +25,7 @@ namespace {
 
 constexpr const char* kModule = "UIFunctions.";
 
-// --- The project
-// ------------------------------------------------------------------------------------
+// --- The project --------------------------------------------------------------------------------
 
 struct ImagePair {
     int closed;
@@ -80,19 +81,35 @@ void SetPane(MainContext& context, Pane pane) {
     context.ContextPane = pane;
 }
 
-void tvwProjectExplorer_NodeClick(MainContext& context, const TreeNode& node) {
-    const std::string key = node.key;
-    const bool isPage = SelectedNodeLetter(context) == 'P';
-    const bool elsewhere = isPage && key != context.CurrentPageKey;
-    SetPane(context, elsewhere ? Pane::Page : Pane::ProjectExplorer);
+/** Goes to the page of the selected node, and the keyboard with it. */
+void OpenSelectedPage(MainContext& context) {
+    const std::string key = context.window.SelectedProjectNode();
+    const Page* page = GetPage(context.project, key);
+    if (!page) return;
+    SetPane(context, Pane::Page);
     ResetUI(context);
-    // The page in front stays there: raising it again would take the keyboard from the tree.
-    const Page* page = elsewhere ? GetPage(context.project, key) : nullptr;
-    if (page) context.window.ShowPage(key, node.text, page->Filename, page->PageType);
+    context.window.ShowPage(key, page->Name, page->Filename, page->PageType);
+}
+
+void tvwProjectExplorer_NodeClick(MainContext& context, const TreeNode& node) {
+    // The page in front stays there: raising it again would take the keyboard from the tree. The
+    // right button asks for the menu of a node, and the arrow keys walk over them.
+    const bool elsewhere = node.key != context.CurrentPageKey;
+    if (context.ExplorerPress == MouseButton::Left && elsewhere &&
+        SelectedNodeLetter(context) == 'P') {
+        OpenSelectedPage(context);
+        return;
+    }
+    SetPane(context, Pane::ProjectExplorer);
+    ResetUI(context);
 }
 
 void tvwProjectExplorer_MouseUp(MainContext& context, bool rightButton) {
-    context.ContextPane = Pane::ProjectExplorer;
+    context.ExplorerPress = MouseButton::None;
+    // A press that opened a page has left the explorer.
+    const bool left = !rightButton && context.ContextPane == Pane::Page &&
+                      context.window.SelectedProjectNode() == context.CurrentPageKey;
+    if (!left) context.ContextPane = Pane::ProjectExplorer;
     if (SelectedNodeLetter(context) == 'W') {
         SetEditMenuItems(context);
         return;
@@ -100,8 +117,7 @@ void tvwProjectExplorer_MouseUp(MainContext& context, bool rightButton) {
     SetContextMenu(context, rightButton ? ContextMenu::PopUp : ContextMenu::Prepare);
 }
 
-// --- The page
-// ---------------------------------------------------------------------------------------
+// --- The page -----------------------------------------------------------------------------------
 
 void tvwPageExplorer_MouseDown(MainContext& context) {
     SetPane(context, Pane::PageExplorer);
@@ -165,8 +181,7 @@ void FillPageTree(MainContext& context, frmDocument& owner) {
 
 }  // namespace
 
-// --- The project
-// ------------------------------------------------------------------------------------
+// --- The project --------------------------------------------------------------------------------
 
 void RefillProjectExplorer(MainContext& context) {
     TreeView& tree = context.window.tvwProjectExplorer;
@@ -184,8 +199,7 @@ void SetExpandedState(MainContext& context, const TreeNode& node) {
     if (Folder* folder = context.model.FindFolder(node.key)) folder->Expanded = node.expanded;
 }
 
-// --- The page
-// ---------------------------------------------------------------------------------------
+// --- The page -----------------------------------------------------------------------------------
 
 void ClearPageExplorer(MainContext& context) {
     KeepExpandedNodes(context);
@@ -198,7 +212,7 @@ void UpdatePageExplorer(MainContext& context, const std::string& key) {
         if (!context.window.picPageExplorer.Visible()) return;
         frmDocument* document = context.OpenDocuments.Find(key);
         if (!document) return;
-        document->docDHTMLEditor.WaitUntilReady();
+        document->WaitUntilReady();
 
         TreeView& tree = context.window.tvwPageExplorer;
         KeepExpandedNodes(context);
@@ -251,35 +265,7 @@ void SelectPageNode(MainContext& context, const std::string& nodeKey) {
     UpdateDocumentUI(context, context.CurrentPageKey);
 }
 
-// --- The tasks
-// --------------------------------------------------------------------------------------
-
-namespace {
-
-std::string TextOf(const std::vector<const char*>& texts, int index) {
-    return index >= 0 && index < int(texts.size()) ? texts[std::size_t(index)] : "";
-}
-
-ListRow TaskRow(const Task& task) {
-    static const std::vector<const char*> kStatus = {
-        "Unknown", "Not started", "In progress", "Completed", "Waiting on someone else",
-        "Deferred"};
-    static const std::vector<const char*> kPriority = {"Low", "Normal", "High"};
-    constexpr int kCompleted = 3;
-    ListRow row;
-    row.key = task.Key;
-    row.tag = task.Key;
-    row.image = task.Status == kCompleted ? kPictureFinishedTask : kPictureTask;
-    row.cells = {task.Name,
-                 TextOf(kPriority, task.Priority),
-                 TextOf(kStatus, task.Status),
-                 task.CompleteBy == 0 ? "" : FormatDate(task.CompleteBy, DateStyle::ShortDate),
-                 task.AssignedTo,
-                 task.AssociatedWith};
-    return row;
-}
-
-}  // namespace
+// --- The tasks ----------------------------------------------------------------------------------
 
 void RefreshTasks(MainContext& context) {
     ListView& list = context.window.lvwTasks;
@@ -288,11 +274,33 @@ void RefreshTasks(MainContext& context) {
         list.Add(TaskRow(task));
 }
 
-// --- Properties
-// -------------------------------------------------------------------------------------
+void ShowSelectedTask(MainContext& context) {
+    const ListView& list = context.window.lvwTasks;
+    if (list.Selected() < 0) return;
+    ShowTaskDialog(context.project, list.Row(list.Selected()).tag);
+    ResetUI(context);
+}
+
+// --- Properties ---------------------------------------------------------------------------------
 
 bool HasObjectDialog(char letter) {
     return letter == 'F' || letter == 'R' || letter == 'W';
+}
+
+bool HasPropertiesDialog(const MainContext& context) {
+    switch (context.ContextPane) {
+        case Pane::ProjectExplorer:
+            return HasObjectDialog(SelectedNodeLetter(context));
+        case Pane::TaskList:
+            return context.window.lvwTasks.Selected() >= 0;
+        default:
+            return false;
+    }
+}
+
+void ShowPropertiesDialog(MainContext& context) {
+    if (context.ContextPane == Pane::ProjectExplorer) ShowProjectObjectDialog(context);
+    if (context.ContextPane == Pane::TaskList) ShowSelectedTask(context);
 }
 
 void ShowProjectObjectDialog(MainContext& context) {
@@ -313,8 +321,7 @@ void ShowProjectObjectDialog(MainContext& context) {
     });
 }
 
-// --- Showing and hiding
-// -----------------------------------------------------------------------------
+// --- Showing and hiding -------------------------------------------------------------------------
 
 namespace {
 
@@ -359,6 +366,11 @@ void ConnectExplorers(MainContext& context) {
 
     TreeView& project = window.tvwProjectExplorer;
     project.NodeClick = [c](const TreeNode& node) { tvwProjectExplorer_NodeClick(*c, node); };
+    project.MouseDown = [c](bool right) {
+        c->ExplorerPress = right ? MouseButton::Right : MouseButton::Left;
+        SetPane(*c, Pane::ProjectExplorer);
+    };
+    project.DblClick = [c] { OpenSelectedPage(*c); };
     project.MouseUp = [c](bool right) { tvwProjectExplorer_MouseUp(*c, right); };
     project.ExpandedChanged = [c](const TreeNode& node) { SetExpandedState(*c, node); };
 
@@ -370,12 +382,7 @@ void ConnectExplorers(MainContext& context) {
     page.NodeClick = [c](const TreeNode& node) { SelectPageNode(*c, std::string(node.key)); };
 
     ListView& tasks = window.lvwTasks;
-    tasks.SetColumns({{"Task", 0, false},
-                      {"Priority", 0, false},
-                      {"Status", 0, false},
-                      {"Complete By", 0, false},
-                      {"Assigned To", 0, false},
-                      {"Associated With", 0, false}});
+    tasks.SetColumns(TaskColumns());
     tasks.MouseDown = [c](bool) {
         if (c->ContextPane != Pane::TaskList) SetPane(*c, Pane::TaskList);
         ResetUI(*c);
@@ -384,6 +391,7 @@ void ConnectExplorers(MainContext& context) {
     tasks.MouseUp = [c](bool right) {
         SetContextMenu(*c, right ? ContextMenu::PopUp : ContextMenu::Prepare);
     };
+    tasks.DblClick = [c] { ShowSelectedTask(*c); };
     tasks.ColumnClick = [c](int column) { c->window.lvwTasks.SortBy(column); };
 }
 

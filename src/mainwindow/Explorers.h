@@ -24,11 +24,17 @@ void SelectNodeOfElement(MainContext& context);
 void SelectPageNode(MainContext& context, const std::string& nodeKey);
 
 void RefreshTasks(MainContext& context);
+/** The dialog of the task selected in the list. */
+void ShowSelectedTask(MainContext& context);
 
 /** Properties of the node selected in the project explorer. */
 void ShowProjectObjectDialog(MainContext& context);
 /** True for the nodes that ShowProjectObjectDialog has a dialog for. */
 bool HasObjectDialog(char letter);
+/** Whether the pane that the user is in has something selected whose properties can be shown. */
+bool HasPropertiesDialog(const MainContext& context);
+/** Shows them. */
+void ShowPropertiesDialog(MainContext& context);
 
 /** `tool` is 209, 210 or 211. */
 void ShowExplorer(MainContext& context, int tool, bool show);

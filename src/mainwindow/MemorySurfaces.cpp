@@ -5,8 +5,7 @@
 
 namespace pw {
 
-// --- The source box
-// ---------------------------------------------------------------------------------
+// --- The source box -----------------------------------------------------------------------------
 
 void MemorySourceBox::Become(std::string text) {
     undo_.push_back(std::exchange(text_, std::move(text)));
@@ -68,8 +67,7 @@ void MemorySourceBox::Paste() {
     if (!clipboard_.empty()) ReplaceSelection(clipboard_);
 }
 
-// --- Windows
-// ----------------------------------------------------------------------------------------
+// --- Windows ------------------------------------------------------------------------------------
 
 MemoryDocument::~MemoryDocument() {
     std::erase(window_.documents, this);

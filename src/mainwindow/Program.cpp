@@ -30,8 +30,7 @@ StartupResult Program::Start(const std::string& file) {
     return pw::Start(frame_, *this, file);
 }
 
-// --- Start
-// ------------------------------------------------------------------------------------------
+// --- Start --------------------------------------------------------------------------------------
 
 bool Program::IsAnotherInstanceRunning() {
     return BecomeSingleInstance(frame_.places, instance_) == LockOutcome::Held;
@@ -132,8 +131,7 @@ void Program::OpenHTMLAsProject(const std::string& path) {
     static_cast<void>(pw::OpenHTMLAsProject(window_->ProjectState(), path));
 }
 
-// --- End
-// --------------------------------------------------------------------------------------------
+// --- End ----------------------------------------------------------------------------------------
 
 void Program::Shutdown() {
     if (std::exchange(shutDown_, true) || !window_) return;

@@ -53,7 +53,7 @@ class Program : private StartupSteps, private ShutdownSteps {
     frmMDIMain& Window() { return *window_; }
 
   private:
-    // --- StartupSteps -------------------------------------------------------------------------
+    // --- StartupSteps ---------------------------------------------------------------------------
     bool IsAnotherInstanceRunning() override;
     void ShowSplash() override;
     void SetSplashTopmost(Topmost topmost) override;
@@ -82,7 +82,7 @@ class Program : private StartupSteps, private ShutdownSteps {
     void OpenProject(const std::string& path) override;
     void OpenHTMLAsProject(const std::string& path) override;
 
-    // --- ShutdownSteps ------------------------------------------------------------------------
+    // --- ShutdownSteps --------------------------------------------------------------------------
     bool IsProjectBusy() override;
     void HideProgress() override;
     void ShowStatus(const std::string& text) override;

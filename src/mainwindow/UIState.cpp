@@ -25,19 +25,18 @@ namespace {
 
 constexpr const char* kModule = "UIFunctions.";
 
-// --- What the commands need
-// -----------------------------------------------------------------------
+// --- What the commands need ---------------------------------------------------------------------
 
 enum class Needs {
     Nothing,
-    Project,      ///< one is open
-    Page,         ///< one is open, in whatever view
-    SelectAll,    ///< a page whose view has text to select
-    NormalView,   ///< a page in normal view
-    Documents,    ///< any page window
-    Browser,      ///< a page and the path of the first browser
-    Navigator,    ///< a page and the path of the second one
-    ObjectDialog  ///< a node of the project explorer that has a dialog
+    Project,     ///< one is open
+    Page,        ///< one is open, in whatever view
+    SelectAll,   ///< a page whose view has text to select
+    NormalView,  ///< a page in normal view
+    Documents,   ///< any page window
+    Browser,     ///< a page and the path of the first browser
+    Navigator,   ///< a page and the path of the second one
+    Properties   ///< of something that has a dialog
 };
 
 struct Rule {
@@ -48,30 +47,14 @@ struct Rule {
 
 /** The commands whose state depends on more than this (101 to 106, the formats) are not in it. */
 constexpr Rule kRules[] = {
-    {1, 1, Needs::Nothing},
-    {2, 2, Needs::Project},
-    {3, 3, Needs::Nothing},
-    {4, 4, Needs::Project},
-    {6, 6, Needs::Nothing},
-    {7, 8, Needs::Project},
-    {9, 9, Needs::Page},
-    {10, 10, Needs::Project},
-    {11, 12, Needs::Page},
-    {17, 17, Needs::Project},
-    {19, 19, Needs::Nothing},
-    {107, 107, Needs::SelectAll},
-    {201, 201, Needs::ObjectDialog},
-    {205, 205, Needs::Page},
-    {207, 207, Needs::Browser},
-    {208, 208, Needs::Navigator},
-    {209, 219, Needs::Nothing},
-    {326, 330, Needs::NormalView},
-    {401, 415, Needs::NormalView},
-    {426, 427, Needs::NormalView},
-    {505, 505, Needs::Nothing},
-    {901, 913, Needs::Documents},
-    {1001, 1012, Needs::Nothing},
-    {1107, 1107, Needs::ObjectDialog},
+    {1, 1, Needs::Nothing},        {2, 2, Needs::Project},        {3, 3, Needs::Nothing},
+    {4, 5, Needs::Project},        {6, 6, Needs::Nothing},        {7, 8, Needs::Project},
+    {9, 9, Needs::Page},           {10, 10, Needs::Project},      {11, 12, Needs::Page},
+    {17, 17, Needs::Project},      {19, 19, Needs::Nothing},      {107, 107, Needs::SelectAll},
+    {201, 201, Needs::Properties}, {205, 205, Needs::Page},       {207, 207, Needs::Browser},
+    {208, 208, Needs::Navigator},  {209, 219, Needs::Nothing},    {326, 330, Needs::NormalView},
+    {401, 415, Needs::NormalView}, {426, 427, Needs::NormalView}, {505, 505, Needs::Nothing},
+    {901, 913, Needs::Documents},  {1001, 1012, Needs::Nothing},  {1107, 1107, Needs::Properties},
     {1201, 1212, Needs::Nothing},
 };
 
@@ -85,6 +68,7 @@ struct State {
     bool normal = false;
     bool preview = false;
     bool documents = false;
+    bool properties = false;
     char letter = 0;
 };
 
@@ -97,6 +81,7 @@ State ReadState(const MainContext& context) {
     state.preview = document && document->State() == View::Preview;
     state.documents = !context.OpenDocuments.Empty();
     state.letter = context.ContextPane == Pane::ProjectExplorer ? SelectedNodeLetter(context) : 0;
+    state.properties = HasPropertiesDialog(context);
     return state;
 }
 
@@ -118,8 +103,8 @@ bool IsMet(Needs needs, const State& state, const Settings& settings) {
             return state.page && !settings.IEFilename.empty();
         case Needs::Navigator:
             return state.page && !settings.NNFilename.empty();
-        case Needs::ObjectDialog:
-            return HasObjectDialog(state.letter);
+        case Needs::Properties:
+            return state.properties;
     }
     return false;
 }
@@ -128,8 +113,7 @@ void Enable(MainContext& context, int tool, bool enabled) {
     context.barMain.SetEnabled(tool, enabled && HasHandler(tool));
 }
 
-// --- Commands of the page
-// ---------------------------------------------------------------------------
+// --- Commands of the page -----------------------------------------------------------------------
 
 struct Toggle {
     int tool;
@@ -368,8 +352,8 @@ void SetContextMenu(MainContext& context, ContextMenu how) {
             context.ContextPane == Pane::Page && normal &&
             GetParentElement(document->Document(), context.CurrentElement(), "FORM");
         context.barMain.SetToolVisible(1101, inForm);
-        Enable(context, 201, HasObjectDialog(letter));
-        Enable(context, 1107, HasObjectDialog(letter));
+        Enable(context, 201, HasPropertiesDialog(context));
+        Enable(context, 1107, HasPropertiesDialog(context));
         SetEditTools(context,
                      how == ContextMenu::PopUp ? context.ContextPane : FocusInForce(context));
         if (how == ContextMenu::PopUp) context.barMain.PopUp(kContextMenu);
@@ -417,8 +401,7 @@ void SetPropertyCaptions(MainContext& context, char letter) {
     Enable(context, 202, document && document->State() == View::Normal);
 }
 
-// --- Skill levels
-// ---------------------------------------------------------------------------------
+// --- Skill levels -------------------------------------------------------------------------------
 
 bool IsToolbarStandard(const std::string& toolbar, int skillLevel) {
     static constexpr std::pair<const char*, int> kFromLevel[] = {
@@ -448,8 +431,7 @@ void ApplySkillLevel(MainContext& context) {
     ResetUI(context);
 }
 
-// --- Font tools
-// -----------------------------------------------------------------------------------
+// --- Font tools ---------------------------------------------------------------------------------
 
 namespace {
 constexpr const char* kFontSizes[] = {"8", "10", "12", "14", "18", "24", "36"};
@@ -478,8 +460,7 @@ void InitDHTMLFormats(MainContext& context) {
     context.barMain.SetComboItems(403, {std::begin(kFontSizes), std::end(kFontSizes)});
 }
 
-// --- Status bar
-// -----------------------------------------------------------------------------------
+// --- Status bar ---------------------------------------------------------------------------------
 
 namespace {
 
@@ -522,8 +503,8 @@ void UpdateDownloadTime(MainContext& context) {
         }
         const Settings& settings = context.frame.settings;
         // Of the document as it stands: what is being typed as source is not taken over for this.
-        const std::int64_t size = DocumentSize(context.project, document->Document(),
-                                               document->BaseURL());
+        const std::int64_t size =
+            DocumentSize(context.project, document->Document(), document->BaseURL());
         const bool slow = DownloadSeconds(size, settings.ConnectionSpeed) >= settings.DownloadTime;
         panel.tag = std::to_string(slow ? kPictureSlow : kPictureQuick);
         panel.SetCaption(DownloadTimeText(size, settings.ConnectionSpeed));
@@ -544,8 +525,7 @@ void ShowStatusText(MainContext& context, const std::string& text) {
     panel.SetCaption(online ? "Online" : "Offline");
 }
 
-// --- Menus that are filled when they open
-// ---------------------------------------------------------
+// --- Menus that are filled when they open -------------------------------------------------------
 
 void SetEditMenu(MainContext& context) {
     UpdateDocumentUI(context, context.CurrentPageKey);

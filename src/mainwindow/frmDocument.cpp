@@ -35,8 +35,7 @@ class BusyPointer {
     frmMDIMain& window_;
 };
 
-// --- The strip of view tabs
-// -------------------------------------------------------------------------
+// --- The strip of view tabs ---------------------------------------------------------------------
 
 struct TabStretch {
     int from;
@@ -68,8 +67,7 @@ TabPress TabAt(int x, int tabs) {
     return TabPress::Nothing;
 }
 
-// --- Life
-// -------------------------------------------------------------------------------------------
+// --- Life ---------------------------------------------------------------------------------------
 
 frmDocument::frmDocument(MainContext& context, std::string key)
     : surface_(context.window.Surface().CreateDocument()),
@@ -161,7 +159,7 @@ bool frmDocument::Load(const std::string& path, int pageType) {
     } else {
         loaded = docDHTMLEditor.LoadDocument(path);
     }
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     return loaded;
 }
 
@@ -172,8 +170,18 @@ void frmDocument::ReloadFrames() {
     if (state_ == View::Preview) ToPreview();
 }
 
+void frmDocument::WaitUntilReady() {
+    ++waiting_;
+    docDHTMLEditor.WaitUntilReady();
+    --waiting_;
+}
+
 bool frmDocument::Form_Unload(Closing closing) {
     if (closed_) return true;
+    if (waiting_ > 0) {
+        context_.window.CloseLater(key_);
+        return false;
+    }
     return Trap(context_.frame.errorLog, kModule, "Form_Unload", false, [&] {
         if (context_.model.Busy()) return false;
         const BusyPointer pointer(context_.window);
@@ -181,7 +189,7 @@ bool frmDocument::Form_Unload(Closing closing) {
         if (closing == Closing::Write) {
             TakeOverEdits();
             if (sourceTyped_) return false;
-            if (page) WritePage(*page);
+            if (page && !WritePage(*page)) return false;
         }
         if (page) page->IsOpen = false;
         closed_ = true;
@@ -191,7 +199,7 @@ bool frmDocument::Form_Unload(Closing closing) {
     });
 }
 
-void frmDocument::WritePage(Page& page) {
+bool frmDocument::WritePage(Page& page) {
     ComputePageStatistics(context_.project, &Document(), &page);
     SaveAttachments(context_.project, Document(), BaseURL(), page);
     if (IsDirty()) {
@@ -200,25 +208,26 @@ void frmDocument::WritePage(Page& page) {
         page.IsDirty = true;
     }
     std::string reason;
-    if (!SavePageFile(context_.project, page, &reason)) {
-        throw Failure("Page '" + page.Name + "' can not be written. " + reason);
-    }
+    if (SavePageFile(context_.project, page, &reason)) return true;
+    context_.frame.dialogs.MsgBox({"Page '" + page.Name + "' can not be written and stays open. " +
+                                       reason + "\n\nPlease try again.",
+                                   context_.frame.brand.FormCaption(), Icon::Stop, Buttons::Ok});
+    return false;
 }
 
-// --- Text
-// -------------------------------------------------------------------------------------------
+// --- Text ---------------------------------------------------------------------------------------
 
 std::string frmDocument::UpdateHTML() {
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     return pw::UpdateHTML(context_.project, Document(), key_);
 }
 
 bool frmDocument::SetHTML(const std::string& html) {
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     const std::string base = docDHTMLEditor.BaseURL();
     if (!docDHTMLEditor.SetDocumentHTML(html)) return false;
     docDHTMLEditor.SetBaseURL(base);
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     MarkChanges();
     if (state_ == View::Html) ToHtml();
     if (state_ == View::Preview) ToPreview();
@@ -234,7 +243,7 @@ void frmDocument::MarkClean() {
 }
 
 void frmDocument::TakeOverEdits() {
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     if (state_ != View::Html || !sourceTyped_) return;
     if (TakeOverSource() == Outcome::Refused) return;
     AdoptTitle();
@@ -253,7 +262,7 @@ frmDocument::Outcome frmDocument::TakeOverSource() {
         return Outcome::Refused;
     }
     docDHTMLEditor.SetBaseURL(base);
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     return Outcome::Done;
 }
 
@@ -286,11 +295,15 @@ void frmDocument::CloseWindow() {
     static_cast<void>(Form_Unload(Closing::Write));
 }
 
-// --- Views
-// ------------------------------------------------------------------------------------------
+// --- Views --------------------------------------------------------------------------------------
 
 void frmDocument::UpdatePicViewTab() {
     surface_->SetViewTabs(TabCount(), state_);
+}
+
+void frmDocument::FocusView() {
+    if (state_ == View::Normal) docDHTMLEditor.SetFocus();
+    if (state_ == View::Html) surface_->Source().SetFocus();
 }
 
 void frmDocument::SetToNormalEditMode() {
@@ -308,7 +321,7 @@ void frmDocument::picViewTab_MouseUp(int x) {
 
 void frmDocument::PressTab(TabPress press) {
     const BusyPointer pointer(context_.window);
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     // 1. What was typed as source is taken over whichever tab it was, the HTML tab among them.
     const bool sourceWasTyped = state_ == View::Html && sourceTyped_;
     if (sourceWasTyped) {
@@ -371,8 +384,7 @@ void frmDocument::ApplyGrid() {
     docDHTMLEditor.SetSnapToGrid(settings.GridHorizontal, settings.GridVertical);
 }
 
-// --- Events
-// -----------------------------------------------------------------------------------------
+// --- Events -------------------------------------------------------------------------------------
 
 void frmDocument::MarkChanges() {
     if (!IsDirty()) return;
@@ -428,7 +440,7 @@ void frmDocument::docDHTMLEditor_ShowContextMenu() {
 
 void frmDocument::HitElement(dom::Node* element) {
     if (state_ != View::Normal) return;
-    docDHTMLEditor.WaitUntilReady();
+    WaitUntilReady();
     MarkChanges();
     mouseHit_ = true;
     if (!element) return;
@@ -471,7 +483,7 @@ void frmDocument::docDHTMLEditor_DisplayChanged() {
     Trap(context_.frame.errorLog, kModule, "docDHTMLEditor_DisplayChanged", [&] {
         // 1. Hidden pages and pages behind another are looked at when they come up.
         if (closed_ || key_ != context_.CurrentPageKey || state_ != View::Normal) return;
-        docDHTMLEditor.WaitUntilReady();
+        WaitUntilReady();
         MarkChanges();
         // 2. Ordinary typing ends here.
         const dom::Document& document = Document();

@@ -32,7 +32,7 @@ class frmDocument : public OpenPage {
     frmDocument(MainContext& context, std::string key);
     ~frmDocument() override;
 
-    // --- OpenPage -----------------------------------------------------------------------------
+    // --- OpenPage -------------------------------------------------------------------------------
     const std::string& PageKey() const override { return key_; }
     int CurrentViewState() const override { return int(state_); }
     void SetToNormalEditMode() override;
@@ -63,21 +63,25 @@ class frmDocument : public OpenPage {
     HtmlEditor docDHTMLEditor;
     HtmlEditor docBrowser;  ///< parser of frame pages
 
-    // --- What ShowPage does
-    // -----------------------------------------------------------------------
+    /** Until the document is what the user sees. Handlers of other events run meanwhile; the page
+     *  does not close before the wait is over. */
+    void WaitUntilReady();
+
+    // --- What ShowPage does ---------------------------------------------------------------------
     /** Loads the page's file; false, with an empty document, when it cannot be read. */
     bool Load(const std::string& path, int pageType);
     void BringToFront() { surface_->BringToFront(); }
     /** Shows the frames as they are on the disk now. */
     void ReloadFrames();
     void UpdatePicViewTab();
+    /** Gives the keyboard to the view that is up. */
+    void FocusView();
     /** Writes the page to the scratch area (unless told to discard it) and takes it out of the list
      *  of open documents. False when it must stay open. */
     enum class Closing { Write, Discard };
     bool Form_Unload(Closing closing);
 
-    // --- Events
-    // -----------------------------------------------------------------------------------
+    // --- Events ---------------------------------------------------------------------------------
     void Form_Activate();
     void picViewTab_MouseUp(int x);
     void PressTab(TabPress press);
@@ -110,7 +114,7 @@ class frmDocument : public OpenPage {
     void ToPreview();
     void ToNormal(bool sourceWasTyped);
     void HitElement(dom::Node* element);
-    void WritePage(Page& page);
+    bool WritePage(Page& page);
     Page* FindPage() const;
     bool IsFramePage() const;
     int TabCount() const;
@@ -128,6 +132,7 @@ class frmDocument : public OpenPage {
     bool refreshExplorer_ = true;
     std::uint64_t explorerRevision_ = 0;  ///< of the document when the explorer was last built
     bool closed_ = false;
+    int waiting_ = 0;  // waits within each other
 };
 
 }  // namespace pw

@@ -80,8 +80,7 @@ bool frmMDIMain::Form_QueryUnload() {
     });
 }
 
-// --- What the user does beside the commands
-// -----------------------------------------------------------
+// --- What the user does beside the commands -----------------------------------------------------
 
 void frmMDIMain::picExplorer_Closed(int tool) {
     pw::ShowExplorer(context_, tool, false);
@@ -99,8 +98,7 @@ void frmMDIMain::sbrMain_PanelClick(int panel) {
     if (panel == kDownloadPanel) barMain.PopUp(kDownloadMenu);
 }
 
-// --- Workspace: status
-// --------------------------------------------------------------------------------
+// --- Workspace: status --------------------------------------------------------------------------
 
 void frmMDIMain::ShowStatus(const std::string& text) {
     ShowStatusText(context_, text);
@@ -122,8 +120,7 @@ void frmMDIMain::ShowBusyPointer(bool busy) {
     if (busyDepth_ == (busy ? 1 : 0)) surface_.SetBusyPointer(busy);
 }
 
-// --- Workspace: open pages
-// ----------------------------------------------------------------------------
+// --- Workspace: open pages ----------------------------------------------------------------------
 
 std::vector<OpenPage*> frmMDIMain::OpenPages() {
     std::vector<OpenPage*> pages;
@@ -172,13 +169,14 @@ void frmMDIMain::OpenPageWindow(const std::string& key, const std::string& title
     document.Document().clearHistory();
     InitDHTMLFormats(context_);
     pw::UpdatePageExplorer(context_, key);
-    document.docDHTMLEditor.SetFocus();
+    document.FocusView();
 }
 
 void frmMDIMain::RaisePage(frmDocument& document, int pageType) {
     document.BringToFront();
     document.Form_Activate();
-    document.docDHTMLEditor.WaitUntilReady();
+    document.WaitUntilReady();
+    document.FocusView();
     if (pageType != PageType::Frames) return;
     // The frames show files: those must hold what the other windows hold.
     bool saved = false;
@@ -210,6 +208,13 @@ void frmMDIMain::NoteActivation(const std::string& key) {
     activationOrder_.push_back(key);
 }
 
+void frmMDIMain::CloseLater(const std::string& key) {
+    frame_.loop.Post([this, key, alive = std::weak_ptr(buried_)] {
+        OpenPage* page = alive.expired() ? nullptr : FindOpenPage(key);
+        if (page) page->CloseWindow();
+    });
+}
+
 void frmMDIMain::DocumentClosed(const frmDocument& document) {
     const std::string key = document.PageKey();
     buried_->push_back(context_.OpenDocuments.Remove(key));
@@ -233,8 +238,7 @@ void frmMDIMain::DocumentClosed(const frmDocument& document) {
     }
 }
 
-// --- Workspace: explorers and tools
-// -------------------------------------------------------------------
+// --- Workspace: explorers and tools -------------------------------------------------------------
 
 void frmMDIMain::SelectProjectNode(const std::string& key) {
     tvwProjectExplorer.SetSelected(key);
@@ -281,8 +285,7 @@ void frmMDIMain::ResetForNewProject() {
     UpdateDownloadTime(context_);
 }
 
-// --- MainWindowLayout
-// ---------------------------------------------------------------------------------
+// --- MainWindowLayout ---------------------------------------------------------------------------
 
 WindowState frmMDIMain::State() const {
     if (surface_.IsMinimised()) return WindowState::Minimised;

@@ -21,7 +21,7 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     frmMDIMain(FrameContext& frame, Project& project, MainWindowSurface& surface);
     ~frmMDIMain() override;
 
-    // --- What is seen -------------------------------------------------------------------------
+    // --- What is seen ---------------------------------------------------------------------------
     CommandBar barMain;
     Frame picExplorers{this, "picExplorers"};  ///< hidden with the last explorer
     Frame picProjectExplorer{this, "picProjectExplorer"};
@@ -55,7 +55,7 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     /** Asks to save; false keeps the program open. Decides nothing else. */
     bool Form_QueryUnload();
 
-    // --- Workspace --------------------------------------------------------------------------
+    // --- Workspace ------------------------------------------------------------------------------
     void ShowStatus(const std::string& text) override;
     void ShowProgress(bool visible) override;
     void SetProgress(int value) override;
@@ -77,7 +77,7 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     void ApplyDefaultFont(const std::string& font, int size) override;
     void ResetForNewProject() override;
 
-    // --- MainWindowLayout ---------------------------------------------------------------------
+    // --- MainWindowLayout -----------------------------------------------------------------------
     WindowState State() const override;
     void Maximise() override { surface_.Maximise(); }
     TwipRect Geometry() const override;
@@ -92,6 +92,8 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     // --- For the page windows -------------------------------------------------------------------
     /** Takes it out of the open documents; it dies when the event that closed it is over. */
     void DocumentClosed(const frmDocument& document);
+    /** As soon as the events that are being handled are over. */
+    void CloseLater(const std::string& key);
     /** The page in front now comes up again when the one before it closes. */
     void NoteActivation(const std::string& key);
     /** Count of minutes since the last automatic save, as a decimal text. */

@@ -80,7 +80,7 @@ TEST(Program, MakesEditsSavesReopensAndPublishesASite) {
     program.Press(6);
     EXPECT_TRUE(program.project().IsLoaded);
     EXPECT_EQ(FileOf(program, second), edited);
-    program.window().tvwProjectExplorer.UserSelect(second);
+    program.PressNode(second);
     EXPECT_EQ(program.page().Document().html(), edited);
 
     program.outer.folder.Put("out\\keep.txt", "");
@@ -104,7 +104,7 @@ TEST(Program, ClosingAPageAlwaysWritesIt) {
     EXPECT_EQ(program.context().CurrentPageKey, "");
     EXPECT_EQ(program.window().tvwPageExplorer.Count(), 0u);
     program.Settle();
-    program.window().tvwProjectExplorer.UserSelect(key);
+    program.PressNode(key);
     EXPECT_NE(program.page().Document().html().find("Not lost"), std::string::npos);
 }
 
@@ -115,7 +115,7 @@ TEST(Program, TheNextPageComesUpWhenOneCloses) {
     program.Press(2);
     const std::string second = program.context().CurrentPageKey;
     program.Press(2);
-    program.window().tvwProjectExplorer.UserSelect(first);
+    program.PressNode(first);
     EXPECT_EQ(program.context().CurrentPageKey, first);
     program.window().FindOpenPage(first)->CloseWindow();
     program.Settle();
@@ -182,8 +182,7 @@ TEST(Program, EditCommandsActOnThePaneThatTheUserIsIn) {
     Type(program, "Precious");
     program.Press(2);
     const std::string second = program.context().CurrentPageKey;
-    program.window().tvwProjectExplorer.UserSelect(first);
-    program.page().Document();
+    program.PressNode(first);
     program.Press(107);
 
     // In the page: Delete takes the text and no page.
@@ -195,8 +194,8 @@ TEST(Program, EditCommandsActOnThePaneThatTheUserIsIn) {
     // In the explorer: the page goes, and no text of the other one.
     program.Press(107);
     program.window().PaneFocused(Pane::ProjectExplorer);
-    program.window().SelectProjectNode(second);
-    ResetUI(program.context());
+    program.window().tvwProjectExplorer.UserSelect(second);
+    EXPECT_EQ(program.context().CurrentPageKey, first) << "arrow keys open nothing";
     program.Press(106);
     EXPECT_EQ(program.project().PageCount(), 1);
     EXPECT_EQ(program.context().OpenDocuments.Count(), 1);

@@ -55,6 +55,14 @@ struct TestProgram {
         bar().Click(tool);
         Settle();
     }
+    /** A press of the left button on a node of the project explorer. */
+    void PressNode(const std::string& key) {
+        TreeView& tree = window().tvwProjectExplorer;
+        tree.MouseDown(false);
+        tree.UserSelect(key);
+        tree.MouseUp(false);
+        Settle();
+    }
     /** The page in front. */
     frmDocument& page() { return *context().CurrentDocument(); }
     MemoryDocument& pageSurface() { return static_cast<MemoryDocument&>(page().Surface()); }
