@@ -30,79 +30,81 @@ std::string StateOf(FileSystem& files, const std::string& path) {
     return ProjectPrinter::Print(project) + folder.Get("index.htm");
 }
 
+enum class Way { InPlace, OverAnotherFile };
+
+/** Makes each change of a save fail in turn until a save makes fewer than that. */
+void FailEachChange(Way way, FaultPlan::Kind kind, FaultPlan::Length length) {
+    const auto files = MakePosixFileSystem();
+    FaultPlan plan;
+    FaultyDatabaseDisk database(plan);
+    FaultyFileSystem faulty(*files, plan);
+    const TemporaryFolder work;
+    const TemporaryFolder home;
+    const std::string target = home.Path("a.pwp");
+    Project project(faulty);
+    FillSampleProject(project, work);
+    ASSERT_EQ(project.Save(target), ProjectResult::Success);
+    const std::string oldState = StateOf(*files, target);
+    std::filesystem::copy_file(home.Native("a.pwp"), home.Native("old"));
+    project.Name = "new";
+    work.Put("index.htm", "<p>new</p>");
+    AddPage(project.WebSites().Item(1)->Pages(), work, "new.htm", std::string(70'000, 'n'));
+    project.WebSites().Item(1)->Sections().Item(1)->Sections().Remove(1);
+    std::string newState;
+    int failures = 0;
+    for (int failAt = 1;; ++failAt) {
+        SCOPED_TRACE("change " + std::to_string(failAt));
+        std::filesystem::copy_file(home.Native("old"), home.Native("a.pwp"),
+                                   std::filesystem::copy_options::overwrite_existing);
+        if (way == Way::OverAnotherFile) {
+            ASSERT_EQ(project.Save(home.Path("own.pwp")), ProjectResult::Success);
+        }
+        plan = {failAt, kind, length};
+        const ProjectResult result = project.Save(target);
+        const bool struck = plan.struck;
+        plan = {};
+        const std::string message = project.LastMessage();
+        const std::string state = StateOf(*files, target);
+        if (!struck) {
+            ASSERT_EQ(result, ProjectResult::Success) << message;
+            break;
+        }
+        if (result == ProjectResult::Success) {
+            EXPECT_NE(state, oldState) << "only what fails beside the file stops no save";
+        } else {
+            ++failures;
+            EXPECT_TRUE(project.IsDirty);
+            EXPECT_FALSE(message.empty());
+            EXPECT_FALSE(home.Has(".a.pwp.new"));
+        }
+        if (state != oldState) {
+            if (newState.empty()) newState = state;
+            ASSERT_EQ(state, newState);
+            ASSERT_NE(state.find("name=new"), std::string::npos) << state;
+        }
+        std::filesystem::remove(home.Native("a.~pw"));
+    }
+    EXPECT_FALSE(home.Has("a.pwp-journal"));
+    EXPECT_GT(failures, 5);
+}
+
 TEST(SaveFaults, EveryFailureLeavesTheOldProjectOrTheNew) {
-    struct Way {
-        const char* name;
-        bool inPlace;
-    };
     using Kind = FaultPlan::Kind;
     using Length = FaultPlan::Length;
-    const auto files = MakePosixFileSystem();
-    for (const Way& way : {Way{"in place", true}, Way{"over another file", false}})
-        for (const auto kind :
-             {FaultPlan::Kind::DiskFull, FaultPlan::Kind::IOError, FaultPlan::Kind::NoPermission})
-            for (const auto length : {FaultPlan::Length::Once, FaultPlan::Length::FromThenOn}) {
-                FaultPlan plan;
-                FaultyDatabaseDisk database(plan);
-                FaultyFileSystem faulty(*files, plan);
-                const TemporaryFolder work;
-                const TemporaryFolder home;
-                const std::string target = home.Path("a.pwp");
-                Project project(faulty);
-                FillSampleProject(project, work);
-                ASSERT_EQ(project.Save(target), ProjectResult::Success);
-                const std::string oldState = StateOf(*files, target);
-                std::filesystem::copy_file(home.Native("a.pwp"), home.Native("old"));
-                if (!way.inPlace) {
-                    ASSERT_EQ(project.Save(home.Path("own.pwp")), ProjectResult::Success);
-                }
-                project.Name = "new";
-                work.Put("index.htm", "<p>new</p>");
-                AddPage(project.WebSites().Item(1)->Pages(), work, "new.htm",
-                        std::string(70'000, 'n'));
-                project.WebSites().Item(1)->Sections().Item(1)->Sections().Remove(1);
-                std::string newState;
-
-                int failures = 0;
-                for (int failAt = 1;; ++failAt) {
-                    SCOPED_TRACE(std::string(way.name) + ", change " + std::to_string(failAt) +
-                                 ", kind " + std::to_string(static_cast<int>(kind)) +
-                                 (length == Length::Once ? ", once" : ", lasting"));
-                    std::filesystem::copy_file(home.Native("old"), home.Native("a.pwp"),
-                                               std::filesystem::copy_options::overwrite_existing);
-                    plan = {failAt, kind, length};
-                    const ProjectResult result = project.Save(target);
-                    const bool struck = plan.struck;
-                    plan = {};
-                    const std::string message = project.LastMessage();
-                    const std::string state = StateOf(*files, target);
-                    if (!struck) {
-                        ASSERT_EQ(result, ProjectResult::Success) << message;
-                        EXPECT_FALSE(home.Has("a.pwp-journal"));
-                        break;
-                    }
-                    if (result == ProjectResult::Success) {
-                        // A copy beside the file that fails stops no save.
-                        EXPECT_NE(state, oldState);
-                    } else {
-                        ++failures;
-                        EXPECT_TRUE(project.IsDirty);
-                        EXPECT_FALSE(message.empty());
-                        EXPECT_FALSE(home.Has(".a.pwp.new"));
-                    }
-                    if (state != oldState) {
-                        if (newState.empty()) newState = state;
-                        ASSERT_EQ(state, newState);
-                        ASSERT_NE(state.find("name=new"), std::string::npos) << state;
-                    }
-                    std::filesystem::remove(home.Native("a.~pw"));
-                    if (!way.inPlace) {
-                        // The next round is to go over a file that is not the object's own.
-                        ASSERT_EQ(project.Save(home.Path("own.pwp")), ProjectResult::Success);
-                    }
-                }
-                EXPECT_GT(failures, 5);
-            }
+    struct Row {
+        const char* name;
+        Kind kind;
+        Length length;
+    };
+    for (const Row& row : {Row{"the disk is full", Kind::DiskFull, Length::FromThenOn},
+                           Row{"one failure of the disk", Kind::IOError, Length::Once},
+                           Row{"the disk broke", Kind::IOError, Length::FromThenOn},
+                           Row{"one refusal", Kind::NoPermission, Length::Once}})
+        for (const Way way : {Way::InPlace, Way::OverAnotherFile}) {
+            SCOPED_TRACE(std::string(row.name) +
+                         (way == Way::InPlace ? ", in place" : ", over another file"));
+            FailEachChange(way, row.kind, row.length);
+        }
 }
 
 TEST(SaveFaults, AFullDiskWhileOpeningLeavesNothing) {
