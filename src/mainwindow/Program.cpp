@@ -135,6 +135,7 @@ void Program::OpenHTMLAsProject(const std::string& path) {
 
 void Program::Shutdown() {
     if (std::exchange(shutDown_, true) || !window_) return;
+    AddRecentProject(frame_, frame_.settings.ProjectFilename);
     pw::Shutdown(frame_, *this);
 }
 

@@ -154,6 +154,9 @@ TEST(Program, ExitAsksAboutUnsavedChanges) {
         program.bar().Click(19);
         EXPECT_EQ(program.ended, row.ends) << row.name;
         EXPECT_EQ(FolderExists(program.frame().files, run), !row.ends) << row.name;
+        if (row.ends && row.file) {
+            EXPECT_EQ(RecentProjects(program.frame()).front(), folder + "\\kept.pwp");
+        }
         if (row.ends) {
             EXPECT_EQ(FileExists(program.frame().files, folder + "\\kept.pwp"),
                       row.answer == Answer::Yes)
