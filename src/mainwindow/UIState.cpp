@@ -289,6 +289,14 @@ void SetEditMenuItems(MainContext& context) {
          [&] { SetEditTools(context, FocusInForce(context)); });
 }
 
+void UpdateUndoTools(MainContext& context, HtmlEditor& editor) {
+    const auto isEnabled = [&](int command) {
+        return editor.QueryStatus(command) == CommandState::Enabled;
+    };
+    Enable(context, 101, isEnabled(DECMD_UNDO));
+    Enable(context, 102, isEnabled(DECMD_REDO));
+}
+
 void UpdateDocumentUI(MainContext& context, const std::string& key) {
     Trap(context.frame.errorLog, kModule, "UpdateDocumentUI", [&] {
         frmDocument* document = context.OpenDocuments.Find(key);
@@ -296,13 +304,9 @@ void UpdateDocumentUI(MainContext& context, const std::string& key) {
             return;
         }
         HtmlEditor& editor = document->docDHTMLEditor;
-        const auto is3 = [&](int command) {
-            return editor.QueryStatus(command) == CommandState::Enabled;
-        };
         UpdateToggles(context, editor);
         UpdateFontTools(context, editor);
-        Enable(context, 101, is3(DECMD_UNDO));
-        Enable(context, 102, is3(DECMD_REDO));
+        UpdateUndoTools(context, editor);
         SetEditTools(context, FocusInForce(context));
 
         const Selected selected = WhatIsSelected(editor.DOM());

@@ -9,10 +9,14 @@
 
 namespace pw {
 
+class HtmlEditor;
+
 /** Everything: bands, tools, captions, panels, the welcome page. */
 void ResetUI(MainContext& context);
 /** What depends on the selection in the page. */
 void UpdateDocumentUI(MainContext& context, const std::string& key);
+/** Undo and redo alone: cheap enough for every key. */
+void UpdateUndoTools(MainContext& context, HtmlEditor& editor);
 /** Cut, copy, paste and delete, for the pane in force. */
 void SetEditMenuItems(MainContext& context);
 

@@ -485,6 +485,7 @@ void frmDocument::docDHTMLEditor_DisplayChanged() {
         if (closed_ || key_ != context_.CurrentPageKey || state_ != View::Normal) return;
         WaitUntilReady();
         MarkChanges();
+        UpdateUndoTools(context_, docDHTMLEditor);
         // 2. Ordinary typing ends here.
         const dom::Document& document = Document();
         const std::size_t count = document.all().size();
