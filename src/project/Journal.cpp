@@ -76,16 +76,20 @@ void WriteEditedPages(ProjectContext& context) {
     std::map<std::string, JournalState::OpenPageMark> marks;
     for (OpenPage* open : context.workspace.OpenPages()) {
         const std::string key = open->PageKey();
-        // What is typed as source is not in the document yet.
-        if (open->CurrentViewState() == kHtmlView) open->TakeOverEdits();
-        const std::uint64_t revision = open->Document().revision();
         const auto known = journal.openPages.find(key);
         JournalState::OpenPageMark mark;
         if (known != journal.openPages.end()) {
             mark = known->second;
         } else if (!open->IsDirty()) {
-            mark.seen = mark.written = revision;
+            mark.seen = mark.written = open->Document().revision();
         }
+        // What is typed as source is not in the document yet. Reading it back takes a while in a
+        // large page, and may need a word with the user.
+        if (open->CurrentViewState() == kHtmlView && now - mark.takenOverAt >= kPatienceSeconds) {
+            open->TakeOverEdits();
+            mark.takenOverAt = now;
+        }
+        const std::uint64_t revision = open->Document().revision();
         Page* page = IsDue(mark, revision, now) ? GetPage(context, key) : nullptr;
         marks[key] = mark;
         if (!page) continue;
@@ -93,6 +97,7 @@ void WriteEditedPages(ProjectContext& context) {
         if (!SavePageFile(context, *page, &reason)) throw Failure(reason);
         JournalPageWritten(context, *open);
         marks[key] = journal.openPages[key];
+        marks[key].takenOverAt = mark.takenOverAt;
     }
     journal.openPages = std::move(marks);
 }
@@ -103,7 +108,7 @@ void MarkAllWritten(ProjectContext& context) {
     journal.openPages.clear();
     for (OpenPage* open : context.workspace.OpenPages()) {
         const std::uint64_t revision = open->Document().revision();
-        journal.openPages[open->PageKey()] = {revision, revision, 0, 0};
+        journal.openPages[open->PageKey()] = {revision, revision};
     }
 }
 
@@ -119,7 +124,7 @@ std::set<std::string> PagesLikelyChanged(ProjectContext& context) {
 void JournalTick(ProjectContext& context) {
     const double now = context.frame.clock.MonotonicSeconds();
     if (!context.project.IsLoaded || context.project.Busy() || context.frame.runFolder.empty() ||
-        now < context.journal.pausedUntil)
+        context.frame.dialogs.IsModalOpen() || now < context.journal.pausedUntil)
         return;
     const bool written = Trap(context.frame.errorLog, kModule, "JournalTick", false, [&] {
         WriteEditedPages(context);
@@ -179,7 +184,7 @@ bool IsFileBehind(ProjectContext& context, OpenPage& page) {
 
 void JournalPageWritten(ProjectContext& context, OpenPage& page) {
     const std::uint64_t revision = page.Document().revision();
-    context.journal.openPages[page.PageKey()] = {revision, revision, 0, 0};
+    context.journal.openPages[page.PageKey()] = {revision, revision};
     context.journal.editedPages.insert(page.PageKey());
 }
 

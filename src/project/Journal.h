@@ -14,7 +14,8 @@ namespace pw {
 class OpenPage;
 
 /** To be called every second or two. Writes what the user changed once it has been quiet for two
- *  seconds, and during long typing every ten. Costs nothing to speak of when nothing changed. */
+ *  seconds, and during long typing or in the source view every ten. Costs nothing to speak of when
+ *  nothing changed, and does nothing while a dialog is up. */
 void JournalTick(ProjectContext& context);
 
 /** The project was made, loaded or recovered. */

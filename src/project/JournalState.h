@@ -37,6 +37,7 @@ struct JournalState {
         std::uint64_t seen = 0;
         double quietSince = 0;    ///< seconds of the clock
         double waitingSince = 0;  ///< 0 when nothing waits
+        double takenOverAt = 0;   ///< when the source view was last asked
     };
     std::map<std::string, OpenPageMark> openPages;
     std::set<std::string> editedPages;  ///< keys, since the last save

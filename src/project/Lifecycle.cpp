@@ -167,7 +167,7 @@ void InitNewProject(ProjectContext& context) {
         Project& project = context.project;
         project.IsLoaded = false;
         context.workspace.CloseAllPages(true);
-        context.workspace.RefillProjectExplorer();
+        context.workspace.ResetForNewProject();
         DeleteProjectFiles(context.frame, project);
         project.Clear();
         ListenTo(context);
@@ -177,7 +177,6 @@ void InitNewProject(ProjectContext& context) {
             site->Name = "Web Site";
             site->Expanded = true;
         }
-        context.workspace.ResetForNewProject();
         ClearWorkingFolders(context.frame, ScratchFolders::Keep);
         CreateWorkingFolders(context.frame);
         project.WorkingFolder = context.frame.settings.PreviewFolder;
