@@ -8,6 +8,8 @@ namespace {
 
 constexpr std::string_view kOpenComment = "<!-- ";
 constexpr std::string_view kCloseComment = " -->";
+/** Opens a comment of its own for the end of the frameset. */
+constexpr std::string_view kOpenEndComment = "<!-- end ";
 constexpr std::string_view kFrameset = "<frameset";
 constexpr std::string_view kFramesetEnd = "</frameset>";
 constexpr std::string_view kMaskedFrameset = "<!-- <frameset";
@@ -38,6 +40,20 @@ std::size_t FindLastMark(std::string_view text, std::string_view mark) {
     for (auto at = text.rfind('<'); at != npos; at = at > 0 ? text.rfind('<', at - 1) : npos)
         if (StandsAt(text, mark, at)) return at;
     return npos;
+}
+
+/** Whether a place lies behind a "<!--" that is still open. */
+bool IsInComment(std::string_view text, std::size_t place) {
+    for (auto open = text.find("<!--"); open < place; open = text.find("<!--", open)) {
+        const auto close = text.find("-->", open + 4);
+        if (close == npos || close >= place) return true;
+        open = close + 3;
+    }
+    return false;
+}
+
+bool HasOpenEndComment(std::string_view text, std::size_t place) {
+    return text.substr(0, place).ends_with(kOpenEndComment);
 }
 
 std::string MaskNoframes(std::string_view html) {
@@ -80,20 +96,32 @@ std::string CommentFrameset(std::string_view html) {
     std::string masked(html);
     // The end first, so that the place of the start stays true. An end in front of the start moves
     // it along.
-    const auto end = FindLastMark(masked, kFramesetEnd);
+    auto end = FindLastMark(masked, kFramesetEnd);
     if (end != npos) masked.insert(end + kFramesetEnd.size(), kCloseComment);
     const bool isEndInFront = end != npos && end < start;
     masked.insert(start + (isEndInFront ? kCloseComment.size() : 0), kOpenComment);
-    return MaskNoframes(masked);
+    masked = MaskNoframes(masked);
+    // The comment that begins at the frameset ends at the first one within it. The end of the
+    // frameset would be seen in the page, and be lost with the next edit, if it stood in none. A
+    // page that has such a mark of its own gets a second one, so that taking one out is always
+    // right.
+    end = FindLastMark(masked, kMaskedFramesetEnd);
+    if (end != npos && (!IsInComment(masked, end) || HasOpenEndComment(masked, end)))
+        masked.insert(end, kOpenEndComment);
+    return masked;
 }
 
 std::string UncommentFrameset(std::string_view html) {
     const auto start = FindMark(html, kMaskedFrameset);
     if (start == npos) return std::string(html);
-    std::string restored = UnmaskNoframes(html);
+    std::string restored(html);
+    auto end = FindLastMark(restored, kMaskedFramesetEnd);
+    if (end != npos && HasOpenEndComment(restored, end))
+        restored.erase(end - kOpenEndComment.size(), kOpenEndComment.size());
+    restored = UnmaskNoframes(restored);
     // What has been taken out in front of the frameset moved it.
     restored.erase(FindMark(restored, kMaskedFrameset), kOpenComment.size());
-    const auto end = FindLastMark(restored, kMaskedFramesetEnd);
+    end = FindLastMark(restored, kMaskedFramesetEnd);
     if (end != npos) restored.erase(end + kFramesetEnd.size(), kCloseComment.size());
     return restored;
 }

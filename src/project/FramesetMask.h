@@ -8,7 +8,8 @@
 namespace pw {
 
 /** Puts the block from the first <frameset to the last </frameset>, and every noframes tag, into
- *  comments. A page without a frameset comes back as it is. */
+ *  comments; the end of the frameset into one of its own where the tags in front of it have closed
+ *  the first. A page without a frameset comes back as it is. */
 std::string CommentFrameset(std::string_view html);
 
 /** Takes them out of the comments again: CommentFrameset and this give back the very same text. */

@@ -2,6 +2,9 @@
 
 #include <random>
 
+#include "platform/Text.h"
+#include "platform/dom/Document.h"
+
 namespace pw {
 namespace {
 
@@ -18,12 +21,13 @@ TEST(FramesetMask, HidesTheFramesetAndTheNoframesTags) {
         {"a frameset", "<html><frameset rows=\"*,1\"><frame></frameset></html>",
          "<html><!-- <frameset rows=\"*,1\"><frame></frameset> --></html>"},
         {"letters keep their case", "<FrameSet><NoFrames>a</NoFrames></FRAMESET>",
-         "<!-- <FrameSet><!-- <NoFrames> -->a<!-- </NoFrames> --></FRAMESET> -->"},
+         "<!-- <FrameSet><!-- <NoFrames> -->a<!-- </NoFrames> --><!-- end </FRAMESET> -->"},
         {"nested ones are one block", "<frameset><frameset></frameset></frameset>",
          "<!-- <frameset><frameset></frameset></frameset> -->"},
         {"noframes without a frameset", "<noframes>a</noframes>", "<noframes>a</noframes>"},
         {"one that is not closed", "<frameset><frame>", "<!-- <frameset><frame>"},
-        {"an end in front of the start", "</frameset><frameset>", "</frameset> --><!-- <frameset>"},
+        {"an end in front of the start", "</frameset><frameset>",
+         "<!-- end </frameset> --><!-- <frameset>"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
@@ -33,11 +37,22 @@ TEST(FramesetMask, HidesTheFramesetAndTheNoframesTags) {
 }
 
 TEST(FramesetMask, GivesBackTheSameTextWhateverStandsInIt) {
-    const char* pieces[] = {"<frameset",  "</frameset>",    "<FRAMESET>",
-                            "<noframes>", "</noframes>",    "<NOFRAMES>",
-                            "<!-- ",      " -->",           "</FRAMESET> -->",
-                            "text",       "<!-- <frameset", "<!-- <noframes> -->",
-                            ">",          "\r\n",           "ä",
+    const char* pieces[] = {"<frameset",
+                            "</frameset>",
+                            "<FRAMESET>",
+                            "<noframes>",
+                            "</noframes>",
+                            "<NOFRAMES>",
+                            "<!-- ",
+                            " -->",
+                            "</FRAMESET> -->",
+                            "text",
+                            "<!-- <frameset",
+                            "<!-- <noframes> -->",
+                            "<!-- end ",
+                            ">",
+                            "\r\n",
+                            "ä",
                             "<"};
     std::mt19937 random(20261122);
     for (int round = 0; round < 20000; ++round) {
@@ -47,6 +62,19 @@ TEST(FramesetMask, GivesBackTheSameTextWhateverStandsInIt) {
         if (CommentFrameset(html) == html) continue;
         ASSERT_EQ(UncommentFrameset(CommentFrameset(html)), html);
     }
+}
+
+TEST(FramesetMask, KeepsTheFramesetWhileTheRestIsEdited) {
+    const std::string html =
+        "<html><head><title>F</title></head>\n<frameset cols=\"*,1\">\n<frame src=a.htm>\n"
+        "<noframes><body><p>x</p>\n</body></noframes>\n</frameset>\n</html>\n";
+    const auto document = dom::Document::parseText(CommentFrameset(html));
+    EXPECT_EQ(Trim(document->innerText(*document->body())), "x");
+    document->setText(*document->tags("P").front()->firstChild(), "yy");
+    EXPECT_EQ(UncommentFrameset(document->html()), ReplaceAll(html, ">x<", ">yy<"));
+    document->insertAdjacentHTML(*document->body(), "beforeEnd", "<hr>");
+    EXPECT_THAT(UncommentFrameset(document->html()),
+                testing::HasSubstr("<hr></body></noframes>\n</frameset>\n</html>\n"));
 }
 
 TEST(FramesetMask, ExtractsTheBlock) {
