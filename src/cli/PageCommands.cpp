@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "cli/Commands.h"
+#include "cli/Interrupt.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "frame/FunctionLibrary.h"
@@ -97,7 +98,10 @@ void RunAdd(const Invocation& invocation) {
     for (const auto& path : invocation.Rest())
         request.paths.push_back(PathFromArgument(path));
     request.folderKey = invocation.arguments.Value("--folder");
-    request.progress = [](int done, int total) { ShowProgress("Page", done, total); };
+    request.progress = [](int done, int total) {
+        ThrowIfInterrupted();
+        ShowProgress("Page", done, total);
+    };
 
     Session session(invocation.profile);
     session.Open(PathFromArgument(invocation.ProjectFile()));
@@ -107,6 +111,7 @@ void RunAdd(const Invocation& invocation) {
                              "' in the project. `list` tells the keys."};
     const AddFilesResult result = AddFiles(session.Context(), request);
     EndProgress();
+    ThrowIfInterrupted();
     for (const auto& problem : result.problems)
         std::cerr << ReplaceAll(problem.reason, "\\", "/") << "\n";
     if (!result.pageKeys.empty() || result.folders > 0) session.Save();

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <iostream>
 
+#include "cli/Interrupt.h"
 #include "cli/Output.h"
 #include "frame/FunctionLibrary.h"
 #include "frame/Settings.h"
@@ -52,7 +53,10 @@ Session::Session(const std::string& profile)
     frame_->runFolder = runFolder_->Path();
     project_ = std::make_unique<pw::Project>(*files_);
     project_->Initialize(kAccessCode, frame_->version.major, frame_->version.minor);
-    project_->ProjectProgressChanged = [](int value) { ShowProgress("Project", value, 100); };
+    project_->ProjectProgressChanged = [](int value) {
+        ThrowIfInterrupted();
+        ShowProgress("Project", value, 100);
+    };
     project_->LogMessage = [](const std::string&, const std::string& text) {
         std::cerr << text << "\n";
     };
@@ -82,10 +86,12 @@ void Session::NewProject(const std::string& file, const std::string& name) {
 void Session::Open(const std::string& file) {
     const bool isOpen = OpenProject(*context_, file, Silent::No);
     EndProgress();
+    ThrowIfInterrupted();
     if (!isOpen) throw CommandFailure{};
 }
 
 void Session::Save() {
+    ThrowIfInterrupted();
     const bool isSaved = SaveProject(*context_, Proceed::Save, Silent::No);
     EndProgress();
     if (!isSaved) throw CommandFailure{};

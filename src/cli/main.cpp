@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/Commands.h"
+#include "cli/Interrupt.h"
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "frame/Versions.h"
@@ -100,6 +101,10 @@ int RunCommand(const Command& command, std::vector<std::string> words) {
         EndProgress();
         if (!failure.message.empty()) std::cerr << failure.message << "\n";
         return Failed;
+    } catch (const Interrupted& interrupted) {
+        EndProgress();
+        std::cerr << interrupted.what() << " The project is as it was.\n";
+        return Failed;
     }
 }
 
@@ -144,6 +149,7 @@ int Main(const std::vector<std::string>& arguments) {
 }  // namespace pw::cli
 
 int main(int count, char** values) {
+    pw::cli::WatchForInterrupts();
     try {
         return pw::cli::Main(std::vector<std::string>(values + 1, values + count));
     } catch (const std::exception& problem) {

@@ -206,10 +206,11 @@ class Adding {
         for (const auto& candidate : candidates)
             if (const std::string* target = TargetOf(candidate.path))
                 return RelativeLink(page.targetFolder, *target) + candidate.suffix;
-        for (const auto& candidate : candidates)
-            if (!IsPageFilename(candidate.path) && FileExists(files_, candidate.path))
-                return PullAlong(page, candidate);
-        return std::nullopt;
+        // A link from the root is one of a server: what lies there on this machine is not meant.
+        const auto file = Trim(value).starts_with('/')
+                              ? std::nullopt
+                              : FindReferencedFile(files_, {page.sourceFolder}, value);
+        return file && !IsPageFilename(file->path) ? PullAlong(page, *file) : std::nullopt;
     }
 
     /** Where a file or folder that a link leads to lies from now on; none when it stays outside. */

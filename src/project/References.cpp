@@ -36,6 +36,18 @@ std::vector<std::string> Segments(std::string_view path) {
     return segments;
 }
 
+/** Whether the way from the folder to the file leads through a hidden folder. A page from elsewhere
+ *  must not carry keys and passwords out of the user's home. */
+bool IsHiddenFrom(std::string_view folder, std::string_view file) {
+    const auto from = Segments(folder);
+    const auto to = Segments(file);
+    std::size_t i = 0;
+    while (i < from.size() && i < to.size() && from[i] == to[i])
+        ++i;
+    return std::any_of(to.begin() + long(i), to.end(),
+                       [](const std::string& segment) { return segment.starts_with('.'); });
+}
+
 }  // namespace
 
 SplitReference SplitSuffix(std::string_view value) {
@@ -103,7 +115,8 @@ std::optional<ReferenceCandidate> FindReferencedFile(const FileSystem& files,
                                                      std::string_view value) {
     for (const auto& folder : folders)
         for (auto& candidate : ReferenceCandidates(folder, value))
-            if (FileExists(files, candidate.path)) return std::move(candidate);
+            if (FileExists(files, candidate.path) && !IsHiddenFrom(folder, candidate.path))
+                return std::move(candidate);
     return std::nullopt;
 }
 

@@ -37,7 +37,8 @@ struct ReferenceCandidate {
 std::vector<ReferenceCandidate> ReferenceCandidates(std::string_view folder,
                                                     std::string_view value);
 
-/** The first candidate that is a file on disk, looked for from each of the folders in turn. */
+/** The first candidate that is a file on disk, looked for from each of the folders in turn. Files
+ *  in hidden folders count only for pages that lie there too. */
 std::optional<ReferenceCandidate> FindReferencedFile(const FileSystem& files,
                                                      const std::vector<std::string>& folders,
                                                      std::string_view value);

@@ -1,9 +1,10 @@
 // Runs the real program on real files.
 #include <cstdio>
-#include <thread>
 
 #include <sys/wait.h>
 
+#include "platform/SystemInfo.h"
+#include "platform/posix/ProjectLock.h"
 #include "support/LinkCheck.h"
 #include "support/TemporaryFolder.h"
 
@@ -196,20 +197,38 @@ TEST_F(CliTest, TakesTheManualInAndPublishesItWhole) {
     EXPECT_TRUE(fs::exists(site / "media/manual.css"));
 }
 
+TEST_F(CliTest, TidiesUpWhenItIsInterrupted) {
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    for (int i = 0; i < 3000; ++i)
+        folder.Put("in\\p" + std::to_string(i) + ".html", "<title>x</title>");
+    const std::string line = "timeout -s INT --preserve-status 0.3 " +
+                             CommandLine({"add", project, Path("in")}) + " 2>&1";
+    FILE* pipe = ::popen(line.c_str(), "r");
+    char text[200] = {};
+    std::ignore = std::fread(text, 1, sizeof text - 1, pipe);
+    EXPECT_EQ(WEXITSTATUS(::pclose(pipe)), 1);
+    EXPECT_STREQ(text, "Interrupted. The project is as it was.\n");
+    EXPECT_EQ(Cli({"list", project}).output, "");
+
+    ASSERT_EQ(Cli({"add", project, Path("in")}).code, 0);
+    EXPECT_EQ(std::system((CommandLine({"list", project}) + " | head -1 > /dev/null").c_str()), 0);
+    EXPECT_EQ(Leftovers(), 0);
+}
+
 TEST_F(CliTest, RefusesAProjectThatIsInUse) {
     const std::string project = Path("p.pwp");
     ASSERT_EQ(Cli({"new", project}).code, 0);
-    for (int i = 0; i < 300; ++i)
-        folder.Put("in\\p" + std::to_string(i) + ".html", "<title>x</title>");
-    // One that reads its output slowly holds the project.
-    FILE* first = ::popen((CommandLine({"add", project, Path("in")}) + " 2>&1").c_str(), "r");
-    Outcome second;
-    for (int i = 0; i < 200 && second.code != 1; ++i)
-        second = Cli({"set", project, "Name=other"});
-    ::pclose(first);
-    EXPECT_EQ(second.code, 1);
-    EXPECT_THAT(second.output, testing::HasSubstr("open"));
-    EXPECT_EQ(Cli({"list", project}).Lines().size(), 300u);
+    const Places places = FindPlaces(Path("profile"));
+    std::unique_ptr<ProjectLock> lock;
+    ASSERT_EQ(ProjectLock::Acquire(folder.Path("p.pwp"), places.lockFolder, lock),
+              LockOutcome::Held);
+    const Outcome refused = Cli({"set", project, "Name=other"});
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_THAT(refused.output, testing::HasSubstr("open"));
+    EXPECT_EQ(Cli({"info", project}).code, 0) << "its properties can be looked at all the same";
+    lock.reset();
+    EXPECT_EQ(Cli({"set", project, "Name=other"}).code, 0);
 }
 
 }  // namespace

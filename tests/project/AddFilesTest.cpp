@@ -83,6 +83,20 @@ TEST_F(AddFilesTest, GoesOnWithWhatIsThere) {
     EXPECT_EQ(Page("Docs\\c.htm"), "<title>c</title>");
 }
 
+TEST_F(AddFilesTest, LeavesTheSecretsOfTheMachineAlone) {
+    test.folder.Put(".keys\\id.txt", "secret");
+    const std::string html =
+        "<title>a</title><a href=../.keys/id.txt>1</a><a href=/etc/passwd>2</a>"
+        "<script src=../.keys/id.txt></script>";
+    test.folder.Put("site\\a.html", html);
+    EXPECT_EQ(Add({"site"}).pageKeys.size(), 1u);
+    EXPECT_EQ(Page("index.htm"), html);
+    test.folder.Put(".hidden\\b.html", "<title>b</title><img src=b.gif>");
+    test.folder.Put(".hidden\\b.gif", "x");
+    Add({".hidden"});
+    EXPECT_EQ(Page("media\\b.gif"), "x");
+}
+
 TEST_F(AddFilesTest, ReportsWhatItCanNotTakeAndTakesTheRest) {
     test.folder.Put("site\\good.html", "<title>good</title><img src=a.gif>");
     test.folder.Put("site\\a.gif", "x");
