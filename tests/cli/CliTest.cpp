@@ -222,7 +222,7 @@ TEST_F(CliTest, RefusesAProjectThatIsInUse) {
     const Places places = FindPlaces(Path("profile"));
     std::unique_ptr<ProjectLock> lock;
     ASSERT_EQ(ProjectLock::Acquire(folder.Path("p.pwp"), places.lockFolder, lock),
-              LockOutcome::Held);
+              LockOutcome::Locked);
     const Outcome refused = Cli({"set", project, "Name=other"});
     EXPECT_EQ(refused.code, 1);
     EXPECT_THAT(refused.output, testing::HasSubstr("open"));
