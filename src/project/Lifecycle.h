@@ -64,8 +64,6 @@ void AutoSaveTick(ProjectContext& context, std::string& tag, bool mainWindowMini
 /** Of the main window: the program's own caption, and the name of the loaded project. */
 std::string MainWindowCaption(const ProjectContext& context);
 
-/** Computer name, a backslash, login name. */
-std::string AuthorStamp(const FrameContext& frame);
 /** Where a project file's copy stands while it is saved over. */
 std::string BackupPath(const std::string& projectFile);
 
