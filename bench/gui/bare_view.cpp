@@ -1,12 +1,12 @@
 // The rival of the program's start and of its typing: a window with nothing but the browser view.
 // It loads the page named, makes it editable, and prints "ready" when a key could be typed.
+#include <unistd.h>
 #include <QApplication>
 #include <QFile>
 #include <QTextStream>
 #include <QUrl>
 #include <QWebEngineSettings>
 #include <QWebEngineView>
-#include <unistd.h>
 
 int main(int argc, char** argv) {
     if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");

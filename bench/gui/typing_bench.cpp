@@ -1,6 +1,7 @@
 // From a key press to the change in the program's document, on a page of 1 MB, beside the same key
 // in a bare browser view to its `input` event; and the time until a page stands in the view, beside
 // a bare view that loads it. Prints rows of the table of benches.
+#include <unistd.h>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
@@ -8,7 +9,6 @@
 #include <QTest>
 #include <QWebEnginePage>
 #include <QWebEngineView>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
