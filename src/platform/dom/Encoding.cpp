@@ -15,6 +15,7 @@ namespace {
 
 constexpr char32_t kStrayBase = 0x10FE00;
 constexpr std::size_t kSniffed = 1024;
+constexpr std::size_t kMostListed = 1000;
 
 /** A conversion descriptor of the C library. */
 class Converter {
@@ -113,7 +114,9 @@ int strayAt(std::string_view text, std::size_t at) {
 
 void appendStray(Decoded& decoded, std::string_view bytes) {
     for (const char byte : bytes) {
-        decoded.undecodable.push_back({decoded.text.size(), std::string(1, byte)});
+        if (decoded.undecodable.size() < kMostListed) {
+            decoded.undecodable.push_back({decoded.text.size(), std::string(1, byte)});
+        }
         appendUtf8(decoded.text, kStrayBase + std::uint8_t(byte));
     }
 }

@@ -29,6 +29,32 @@ std::size_t runLength(std::string_view source) {
     return at;
 }
 
+/** The references that pages are full of, without asking the parser; "" for others. */
+std::string decodeCommonReference(std::string_view run) {
+    struct Row {
+        std::string_view run;
+        const char* text;
+    };
+    static constexpr Row kRows[] = {{"&amp;", "&"},         {"&lt;", "<"},
+                                    {"&gt;", ">"},          {"&quot;", "\""},
+                                    {"&nbsp;", "\xC2\xA0"}, {"&copy;", "\xC2\xA9"}};
+    for (const Row& row : kRows) {
+        if (row.run == run) return row.text;
+    }
+    if (run.size() < 4 || run.size() > 8 || run[1] != '#' || run.back() != ';') return {};
+    std::uint32_t code = 0;
+    for (const char c : run.substr(2, run.size() - 3)) {
+        if (!isDigit(c)) return {};
+        code = code * 10 + std::uint32_t(c - '0');
+    }
+    // Control characters are a matter of their own.
+    if (code < 0x20 || code >= 0xD800 || (code >= 0x7F && code < 0xA0)) return {};
+    if (code < 0x80) return std::string(1, char(code));
+    if (code < 0x800) return {char(0xC0 | (code >> 6)), char(0x80 | (code & 0x3F))};
+    return {char(0xE0 | (code >> 12)), char(0x80 | ((code >> 6) & 0x3F)),
+            char(0x80 | (code & 0x3F))};
+}
+
 std::size_t characterBytes(std::string_view text) {
     const auto lead = std::uint8_t(text.front());
     const std::size_t length = lead < 0xC0 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
@@ -98,6 +124,7 @@ std::string escapeAttribute(std::string_view value, char quote, std::string_view
 }
 
 std::string decodeReference(std::string_view run) {
+    if (std::string text = decodeCommonReference(run); !text.empty()) return text;
     // The parser's own table is the only one that is sure to agree with the parser.
     GumboOptions options = kGumboDefaultOptions;
     options.fragment_context = GUMBO_TAG_TITLE;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kChunk = 256 * 1024;
 constexpr std::size_t kHeader = 16;  // keeps what follows aligned for every type
-constexpr std::size_t kMostMemory = 640u << 20;
+constexpr std::size_t kMostMemory = 320u << 20;
 constexpr double kSeconds = 4;
 constexpr double kSecondsPerMegabyte = 0.15;
 

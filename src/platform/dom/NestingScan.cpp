@@ -97,6 +97,10 @@ class Scan {
         Name name;
         std::size_t formatting = 0;  ///< number of its entry in the list of formatting, or 0
     };
+    struct Known {
+        std::uint64_t hash = 0;
+        std::uint16_t traits = 0;
+    };
     struct Formatting {
         std::uint64_t name = 0;  ///< 0 is a marker
         std::string_view tag;
@@ -132,7 +136,9 @@ class Scan {
             ++length;
         }
         const std::string_view text(letters_, length <= sizeof letters_ ? length : 0);
-        return {text, hash, traitsOf(text)};
+        Known& known = known_[hash % std::size(known_)];
+        if (known.hash != hash) known = {hash, traitsOf(text)};
+        return {text, hash, known.traits};
     }
 
     /** To behind the tag's ">"; true for "/>". */
@@ -213,7 +219,9 @@ class Scan {
     void startTag(const Name& name, std::string_view tag, bool selfClosing) {
         const std::string_view text = name.text;
         if (foreign_ == 0) {
-            if (isVoidTag(text) || text == "html" || text == "head" || text == "body") return;
+            if (isVoidTag(text) || text == "isindex" || text == "html" || text == "head" ||
+                text == "body")
+                return;
             if (isRawTextTag(text) || isEscapableRawTextTag(text)) {
                 const std::string copy(text);
                 skipRawText(copy);
@@ -389,6 +397,7 @@ class Scan {
     std::size_t numbers_ = 0;
     int foreign_ = 0;
     char letters_[15];
+    Known known_[256];
     std::string excess_;
 };
 

@@ -8,8 +8,8 @@
 namespace pw::dom {
 
 inline constexpr std::size_t kDeepestNesting = 1000;
-inline constexpr std::size_t kMostAttributes = 2000;
-inline constexpr std::size_t kLargestPage = 256u << 20;
+inline constexpr std::size_t kMostAttributes = 500;
+inline constexpr std::size_t kLargestPage = 128u << 20;
 
 /** What makes this markup impossible to open, with what to do about it; "" when nothing does.
  *  Elements that are ended by what follows (p, li, td …) do not count as nested. */

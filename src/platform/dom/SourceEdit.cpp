@@ -11,6 +11,9 @@ namespace pw::dom {
 
 namespace {
 
+/** How many siblings are tried to find one that can be made another. */
+constexpr std::size_t kFurthestMatch = 40;
+
 std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
     hash ^= value + 0x9E3779B97F4A7C15u + (hash << 6) + (hash >> 2);
     hash *= 0xFF51AFD7ED558CCDu;
@@ -52,6 +55,7 @@ bool SourceEdit::replacePage(std::string_view text, ParseError* error) {
         Document::parseText(std::string(text), document_.encoding(), error);
     if (!fresh) return false;
     other_ = fresh.get();
+    unclosed_.insert(fresh->impl_->unclosed.begin(), fresh->impl_->unclosed.end());
     document_.impl_->bytes.absorb(fresh->impl_->bytes);
     if (text.find('\n') != text.npos) document_.impl_->lineEnd = fresh->impl_->lineEnd;
     reload_ = fresh->doctype() != document_.doctype() || fresh->quirks() != document_.quirks();
@@ -74,13 +78,26 @@ bool SourceEdit::replacePage(std::string_view text, ParseError* error) {
 }
 
 SourceEdit::Hashes SourceEdit::hashesOf(const Document& document) {
+    const std::vector<Island>& islands = document.impl_->islands;
+    std::vector<std::uint64_t> islandHashes;
+    for (const Island& island : islands) {
+        islandHashes.push_back(mix(std::uint64_t(island.disordered), island.extent));
+    }
     Hashes hashes(document.impl_->pool.size() + 1, 0);
     std::vector<const Node*> order;
-    for (const Node* node = document.root_; node; node = node->following())
+    for (const Node* node = document.root_; node; node = node->following()) {
         order.push_back(node);
+        if (node->island_ < 0) continue;
+        // Members differ by their place in the island, and match only where the whole does.
+        const Island& island = islands[std::size_t(node->island_)];
+        std::uint64_t& hash = islandHashes[std::size_t(node->island_)];
+        hash = mix(hash, std::uint64_t(1));
+        const bool whole = island.pristine() && island.parent == node->parent_;
+        hashes[node->id_] = whole ? hash : mix(hash, std::uint64_t(node->id_));
+    }
     for (auto at = order.rbegin(); at != order.rend(); ++at) {
         const Node& node = **at;
-        std::uint64_t hash = piecesHash(document, node);
+        std::uint64_t hash = mix(piecesHash(node), hashes[node.id_]);
         for (const Node* child = node.first_; child; child = child->next_) {
             hash = mix(hash, hashes[child->id_]);
         }
@@ -89,30 +106,16 @@ SourceEdit::Hashes SourceEdit::hashesOf(const Document& document) {
     return hashes;
 }
 
-std::uint64_t SourceEdit::piecesHash(const Document& document, const Node& node) {
+std::uint64_t SourceEdit::piecesHash(const Node& node) {
     std::uint64_t hash = mix(std::uint64_t(node.type_) + 1, node.name_);
     hash = mix(hash, std::uint64_t(node.foreign_) * 4 + std::uint64_t(node.clone_) * 2 + node.raw_);
     hash = mix(hash, node.data_);
-    if (node.sourced_) {
-        hash = mix(hash, node.lead_);
-        hash = mix(hash, node.own_ ? std::string_view(*node.own_) : node.start_);
-        hash = mix(hash, node.endLead_);
-        hash = mix(hash, node.end_);
-    } else {
-        // What has no bytes is written anew each time, and can only be kept when it is never read.
-        hash = mix(hash, node.id_ + 0x100000000u);
-    }
-    if (node.island_ < 0) return hash;
-    const Island& island = document.impl_->islands[std::size_t(node.island_)];
-    hash = mix(hash, island.extent);
-    hash = mix(hash, std::uint64_t(island.disordered));
-    std::uint64_t place = 0;
-    for (const Node* at = node.previous_; at && at->island_ == node.island_; at = at->previous_) {
-        ++place;
-    }
-    hash = mix(hash, place);
-    return island.pristine() && island.parent == node.parent_ ? hash
-                                                              : mix(hash, std::uint64_t(node.id_));
+    // What has no bytes is written anew each time, and can only be kept when it is never read.
+    if (!node.sourced_) return mix(hash, node.id_ + 0x100000000u);
+    hash = mix(hash, node.lead_);
+    hash = mix(hash, node.own_ ? std::string_view(*node.own_) : node.start_);
+    hash = mix(hash, node.endLead_);
+    return mix(hash, node.end_);
 }
 
 bool SourceEdit::same(const Node& old, const Node& fresh) const {
@@ -265,9 +268,10 @@ std::vector<SourceEdit::Pair> SourceEdit::matchChildren(const std::vector<Node*>
         std::size_t i = gap.oldBegin;
         for (std::size_t j = gap.freshBegin; j < gap.freshEnd && i < gap.oldEnd; ++j) {
             std::size_t candidate = i;
-            while (candidate < gap.oldEnd && !alike(*old[candidate], *fresh[j]))
+            const std::size_t furthest = std::min(gap.oldEnd, i + kFurthestMatch);
+            while (candidate < furthest && !alike(*old[candidate], *fresh[j]))
                 ++candidate;
-            if (candidate == gap.oldEnd) continue;
+            if (candidate == furthest) continue;
             pairs.push_back({old[candidate], fresh[j]});
             i = candidate + 1;
         }
@@ -315,10 +319,7 @@ void SourceEdit::adoptInto(Node& copy, const Node& fresh) {
         }
         copy.home_ = entry->second;
     }
-    const std::vector<Node*>& unclosed = other_->impl_->unclosed;
-    if (std::find(unclosed.begin(), unclosed.end(), &fresh) != unclosed.end()) {
-        document_.impl_->unclosed.push_back(&copy);
-    }
+    if (unclosed_.contains(&fresh)) document_.impl_->unclosed.push_back(&copy);
 }
 
 int SourceEdit::adoptIsland(const Node& fresh, Node& parent) {

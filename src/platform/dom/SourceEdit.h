@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/dom/Document.h"
@@ -26,7 +27,7 @@ class SourceEdit {
     using Hashes = std::vector<std::uint64_t>;  ///< by node id
 
     static Hashes hashesOf(const Document& document);
-    static std::uint64_t piecesHash(const Document& document, const Node& node);
+    static std::uint64_t piecesHash(const Node& node);
     void reconcile(Node& old, Node& fresh);
     void reconcileChildren(Node& old, Node& fresh);
     void reconcileAttributes(Node& old, const Node& fresh);
@@ -44,7 +45,8 @@ class SourceEdit {
     Document* other_ = nullptr;
     Hashes oldHashes_;
     Hashes freshHashes_;
-    std::unordered_map<int, int> islands_;  ///< of the other document, by number
+    std::unordered_map<int, int> islands_;      ///< of the other document, by number
+    std::unordered_set<const Node*> unclosed_;  ///< formatting without an end tag, likewise
     std::vector<Pair> pending_;
     bool reload_ = false;
 };

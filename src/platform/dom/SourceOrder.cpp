@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <unordered_set>
 
 #include "platform/Text.h"
 #include "platform/dom/DocumentImpl.h"
@@ -11,6 +10,8 @@
 namespace pw::dom {
 
 namespace {
+
+constexpr std::size_t kMostUnclosed = 200;
 
 const char* endOf(std::string_view bytes) {
     return bytes.data() + bytes.size();
@@ -57,6 +58,7 @@ void SourceOrder::run() {
     if (!ordered_) findDisorder();
     makeIslands();
     setExtents();
+    listUnclosedFormatting();
 }
 
 /** Clones have no bytes. What they and their origins have in common depends on both, so the
@@ -69,7 +71,10 @@ void SourceOrder::findClones() {
         node->start_ = {};
     }
     if (clones.empty()) return;
+    std::vector<std::uint32_t> place(hulls_.size(), 0);
+    std::uint32_t places = 0;
     for (Node* node = document_.root_; node; node = node->following()) {
+        place[node->id_] = places++;
         if (!node->isElement() || node->clone_ || node->start_.empty()) continue;
         const auto found = clones.find(node->start_.data());
         if (found == clones.end()) continue;
@@ -82,13 +87,10 @@ void SourceOrder::findClones() {
             around = commonAncestor(around, node);
         if (std::find(nodes.begin(), nodes.end(), around) != nodes.end()) around = around->parent();
         Run run{around, nullptr, nullptr, false};
-        std::unordered_set<const Node*> members;
-        for (Node* node : nodes)
-            members.insert(childAbove(around, node));
-        for (Node* child = around->first_; child; child = child->next_) {
-            if (!members.contains(child)) continue;
-            if (!run.first) run.first = child;
-            run.last = child;
+        for (Node* node : nodes) {
+            Node* member = childAbove(around, node);
+            if (!run.first || place[member->id_] < place[run.first->id_]) run.first = member;
+            if (!run.last || place[member->id_] > place[run.last->id_]) run.last = member;
         }
         runs_.push_back(run);
     }
@@ -329,11 +331,22 @@ void SourceOrder::setExtents() {
         html->extent_ = {html->lead_.data(),
                          std::size_t(endOf(html->extent_) - html->lead_.data())};
     }
+}
+
+void SourceOrder::listUnclosedFormatting() {
+    std::vector<Node*>& unclosed = document_.impl_->unclosed;
+    Node* lastLink = nullptr;
     for (const Token& token : tokens_) {
         Node* node = token.node;
-        if (token.end || !node->isElement() || !node->end_.empty() || node->foreign_) continue;
-        if (isFormattingTag(node->name_)) document_.impl_->unclosed.push_back(node);
+        if (token.end || !node->isElement() || node->foreign_) continue;
+        // A link that is left open ends where the next begins.
+        if (node->is("a")) lastLink = node;
+        if (!node->end_.empty() || node->is("a") || !isFormattingTag(node->name_)) continue;
+        unclosed.push_back(node);
     }
+    if (lastLink && lastLink->end_.empty()) unclosed.push_back(lastLink);
+    // Each insertion looks at all of them. A page with more is beyond repair.
+    if (unclosed.size() > kMostUnclosed) unclosed.clear();
 }
 
 std::string_view SourceOrder::extentOf(const Hull& hull) const {

@@ -44,6 +44,7 @@ class SourceOrder {
     void findClones();
     void makeIslands();
     void setExtents();
+    void listUnclosedFormatting();
     Hull& hull(const Node& node) { return hulls_[node.id()]; }
     std::string_view extentOf(const Hull& hull) const;
 
