@@ -5,8 +5,9 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QKeyEvent>
 #include <QTemporaryDir>
-#include <QTest>
+#include <QTimer>
 #include <QWebEnginePage>
 #include <QWebEngineView>
 
@@ -50,15 +51,32 @@ std::string page(std::size_t size) {
     return html + "</body></html>\n";
 }
 
-void rest(int milliseconds) {
-    QTest::qWait(milliseconds);
+template <typename Condition>
+bool waitFor(Condition condition, int milliseconds) {
+    QElapsedTimer timer;
+    timer.start();
+    QTimer tick;  // so that the wait below ends even when nothing happens
+    tick.start(20);
+    while (!condition()) {
+        if (timer.elapsed() > milliseconds) return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
 }
 
+void rest(int milliseconds) {
+    waitFor([] { return false; }, milliseconds);
+}
+
+void send(QWidget& target, QEvent::Type type) {
+    QKeyEvent event(type, Qt::Key_A, Qt::NoModifier, QStringLiteral("a"));
+    QCoreApplication::sendEvent(&target, &event);
+}
 void press(QWidget& target) {
-    QTest::sendKeyEvent(QTest::Press, &target, Qt::Key_A, QStringLiteral("a"), Qt::NoModifier);
+    send(target, QEvent::KeyPress);
 }
 void release(QWidget& target) {
-    QTest::sendKeyEvent(QTest::Release, &target, Qt::Key_A, QStringLiteral("a"), Qt::NoModifier);
+    send(target, QEvent::KeyRelease);
 }
 
 class Ours : public pw::dom::DocumentObserver {
@@ -90,7 +108,7 @@ class Ours : public pw::dom::DocumentObserver {
         changed = 0;
         const double start = now();
         press(*view.view()->focusProxy());
-        if (!QTest::qWaitFor([&] { return changed > 0; }, 10000)) return 0;
+        if (!waitFor([&] { return changed > 0; }, 10000)) return 0;
         release(*view.view()->focusProxy());
         return changed - start;
     }
@@ -121,7 +139,7 @@ class Rival {
         bool loaded = false;
         QObject::connect(bare, &QWebEnginePage::loadFinished, [&] { loaded = true; });
         view.load(QUrl::fromLocalFile(file));
-        if (!QTest::qWaitFor([&] { return loaded; }, 60000)) std::abort();
+        if (!waitFor([&] { return loaded; }, 60000)) std::abort();
         run("document.designMode = 'on';"
             "addEventListener('input', () => console.log(performance.timeOrigin + "
             "performance.now()));");
@@ -135,14 +153,14 @@ class Rival {
         bare->input = 0;
         const double start = now();
         press(*view.focusProxy());
-        if (!QTest::qWaitFor([&] { return bare->input > 0; }, 10000)) return 0;
+        if (!waitFor([&] { return bare->input > 0; }, 10000)) return 0;
         release(*view.focusProxy());
         return bare->input - start;
     }
     void run(const char* script) {
         bool done = false;
         bare->runJavaScript(QLatin1String(script), [&](const QVariant&) { done = true; });
-        if (!QTest::qWaitFor([&] { return done; }, 30000)) std::abort();
+        if (!waitFor([&] { return done; }, 30000)) std::abort();
     }
 
     QWebEngineView view;

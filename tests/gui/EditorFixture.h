@@ -1,5 +1,6 @@
 #pragma once
 // A real editor view with a page in it, and ways to look into both trees.
+#include <gtest/gtest.h>
 #include <QApplication>
 #include <QEventLoop>
 #include <QTest>
@@ -7,7 +8,6 @@
 #include <QWebEnginePage>
 #include <QWebEngineScript>
 #include <algorithm>
-#include <gtest/gtest.h>
 
 #include "platform/qt/editor/EditorView.h"
 
@@ -73,10 +73,12 @@ class EditorFixture : public testing::Test {
             text = "<" + node.localName();
             std::vector<std::string> attributes;
             for (const dom::Attribute& attribute : node.attributes())
-                attributes.push_back(QString::fromStdString(attribute.name).toLower().toStdString() +
-                                     "=" + attribute.value);
+                attributes.push_back(
+                    QString::fromStdString(attribute.name).toLower().toStdString() + "=" +
+                    attribute.value);
             std::sort(attributes.begin(), attributes.end());
-            for (const std::string& attribute : attributes) text += " " + attribute;
+            for (const std::string& attribute : attributes)
+                text += " " + attribute;
             text += ">";
         }
         for (const dom::Node* child = node.firstChild(); child; child = child->next())

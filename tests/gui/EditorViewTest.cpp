@@ -19,7 +19,8 @@ constexpr char kPage[] =
     "<BODY bgcolor=white onload='go()'>\r\n<h1>Heading</h1>\r\n"
     "<P align=left>One <b>two</b> three &amp; four\r\n<p>Second paragraph\r\n"
     "<TABLE border=0 width=200><tr><td>cell one<td>cell two</table>\r\n"
-    "<img src='data:image/gif;base64,R0lGODlhAQABAAAAACwAAAAAAQABAAAC' width=80 height=60 alt=picture>\r\n<!-- remark -->\r\n"
+    "<img src='data:image/gif;base64,R0lGODlhAQABAAAAACwAAAAAAQABAAAC' width=80 height=60 "
+    "alt=picture>\r\n<!-- remark -->\r\n"
     "<form><input name=q size=10 value=ask></form>\r\n</BODY></HTML>\r\n";
 
 class EditorViewTest : public EditorFixture {};
@@ -71,7 +72,8 @@ TEST_F(EditorViewTest, EnterAndBackspace) {
     press(Qt::Key_Backspace);
     EXPECT_EQ(document->tags("p").size(), 1u);
     EXPECT_EQ(viewTree(), documentTree());
-    while (document->canUndo()) document->undo();
+    while (document->canUndo())
+        document->undo();
     view.Flush();
     EXPECT_EQ(document->bytes(), loaded);
     EXPECT_EQ(viewTree(), documentTree());
@@ -81,7 +83,9 @@ TEST_F(EditorViewTest, CharactersOfEveryPlane) {
     open("<html><body><p>a\xF0\x9F\x98\x80z \xC3\xA9t\xC3\xA9</p></body></html>");
     caretBehind("\xF0\x9F\x98\x80");
     type("b");
-    EXPECT_EQ(body(), "<p>a\xF0\x9F\x98\x80" "bz \xC3\xA9t\xC3\xA9</p>");
+    EXPECT_EQ(body(),
+              "<p>a\xF0\x9F\x98\x80"
+              "bz \xC3\xA9t\xC3\xA9</p>");
     press(Qt::Key_Backspace);
     press(Qt::Key_Backspace);
     EXPECT_EQ(body(), "<p>az \xC3\xA9t\xC3\xA9</p>");
@@ -143,15 +147,17 @@ TEST_F(EditorViewTest, ChangesOfTheProgramAppear) {
     open(kPage);
     dom::Node* image = document->images().front();
     document->setAttribute(*image, "width", "120");
-    document->insertAdjacentHTML(*document->body(), "afterBegin",
-                                 "<p id=new>fresh <svg viewBox='0 0 9 9'><path d='M0 0'/></svg></p>");
+    document->insertAdjacentHTML(
+        *document->body(), "afterBegin",
+        "<p id=new>fresh <svg viewBox='0 0 9 9'><path d='M0 0'/></svg></p>");
     document->setTitle("Other");
     document->removeNode(*document->tags("h1").front());
     view.Flush();
     EXPECT_EQ(viewTree(), documentTree());
     EXPECT_EQ(evaluate("document.querySelector('path').namespaceURI").toString(),
               "http://www.w3.org/2000/svg");
-    while (document->canUndo()) document->undo();
+    while (document->canUndo())
+        document->undo();
     view.Flush();
     EXPECT_EQ(viewTree(), documentTree());
     EXPECT_EQ(document->bytes(), loaded);
@@ -178,10 +184,7 @@ TEST_F(EditorViewTest, SelectionTravelsBothWays) {
     view.Flush();
     ASSERT_EQ(document->selection().type, dom::SelectionType::Text);
     EXPECT_TRUE(document->elementAtCaret()->is("h1"));
-    document->setSelection({dom::SelectionType::Control,
-                            {},
-                            {},
-                            document->images().front()});
+    document->setSelection({dom::SelectionType::Control, {}, {}, document->images().front()});
     view.Flush();
     EXPECT_TRUE(evaluate("pw.control() === document.images[0]").toBool());
     evaluate("getSelection().collapse(document.querySelector('h1'), 0)");
@@ -242,7 +245,8 @@ TEST_F(EditorViewMouseTest, AHandleResizesInOneStep) {
     view.Flush();
     const QPoint corner = at("img", 1, 1);
     QTest::mousePress(keyboard(), Qt::LeftButton, {}, corner);
-    for (int i = 1; i <= 4; ++i) QTest::mouseMove(keyboard(), corner + QPoint(10 * i, 0));
+    for (int i = 1; i <= 4; ++i)
+        QTest::mouseMove(keyboard(), corner + QPoint(10 * i, 0));
     QTest::qWait(50);
     QTest::mouseRelease(keyboard(), Qt::LeftButton, {}, corner + QPoint(40, 0));
     ASSERT_TRUE(QTest::qWaitFor([&] { return document->canUndo(); }));
@@ -331,9 +335,8 @@ TEST_F(EditorViewTest, ADeadRendererIsReplaced) {
     ASSERT_GT(process, 0);
     ASSERT_EQ(kill(static_cast<pid_t>(process), SIGKILL), 0);
     view.Flush();
-    ASSERT_TRUE(QTest::qWaitFor([&] {
-        return view.view()->page()->renderProcessPid() != process && !view.Busy();
-    }, 20000));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return view.view()->page()->renderProcessPid() != process && !view.Busy(); }, 20000));
     EXPECT_EQ(document->bytes(), typed);
     EXPECT_EQ(viewTree(), documentTree());
     caretBehind("kept");
@@ -358,10 +361,13 @@ TEST_F(EditorViewTest, OddPages) {
         const char* html;
     };
     const Row rows[] = {
-        {"frameset", "<html><head></head><frameset cols=50%,50%><frame src=x.htm><frame></frameset></html>"},
+        {"frameset",
+         "<html><head></head><frameset cols=50%,50%><frame src=x.htm><frame></frameset></html>"},
         {"empty", ""},
-        {"comments around", "<!-- a --><!doctype html><!-- b --><html><body></body></html><!-- c -->"},
-        {"refresh", "<html><head><meta http-equiv=refresh content='0;url=/'></head><body>x</body></html>"},
+        {"comments around",
+         "<!-- a --><!doctype html><!-- b --><html><body></body></html><!-- c -->"},
+        {"refresh",
+         "<html><head><meta http-equiv=refresh content='0;url=/'></head><body>x</body></html>"},
         {"autofocus", "<html><body>text</body></html>"},
         {"template and noscript", "<html><body><noscript><p>no</p></noscript></body></html>"},
         {"line ends in pre", "<html><body><pre>a\r\nb\r\n</pre></body></html>"},
@@ -395,13 +401,14 @@ TEST_F(EditorViewTest, PicturesBesideThePageShow) {
     ASSERT_TRUE(picture.save(folder.filePath("a b.png")));
     open("<html><body><img src='a%20b.png'></body></html>",
          "file://" + folder.path().toStdString() + "/");
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return evaluate("document.images[0].naturalWidth").toInt() == 30; }));
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return evaluate("document.images[0].naturalWidth").toInt() == 30; }));
 }
 
 TEST_F(EditorViewTest, ALargePageIsShown) {
     std::string html = "<html><body>";
-    while (html.size() < 3'000'000) html += "<p>A paragraph \xC3\xA4 of <i>some</i> length.</p>\n";
+    while (html.size() < 3'000'000)
+        html += "<p>A paragraph \xC3\xA4 of <i>some</i> length.</p>\n";
     open(html + "</body></html>");
     EXPECT_EQ(viewTree(), documentTree());
     caretBehind("length");
@@ -427,32 +434,3 @@ TEST_F(EditorViewTest, CaptureWritesAPicture) {
 
 }  // namespace
 }  // namespace pw
-#include <QElapsedTimer>
-namespace pw {
-TEST_F(EditorViewTest, Prof) {
-    std::string html = "<html><body>";
-    while (html.size() < 1'000'000) html += "<p>A paragraph \xC3\xA4 of <i>some</i> length.</p>\n";
-    QElapsedTimer t; t.start();
-    open(html + "</body></html>");
-    printf("open %lld\n", t.restart());
-    caretBehind("length");printf("caret %lld\n", t.restart());
-    printf("load: %s\n", qPrintable(evaluate("pw.timing.join(' ')").toString()));
-    for (const char* js : {
-      "(t=>{pw.reportState();return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandState('bold');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandState('bold');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandState('insertOrderedList');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandState('justifyLeft');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandEnabled('indent');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandValue('fontName');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandValue('backColor');return performance.now()-t})(performance.now())",
-      "(t=>{document.execCommand('insertText',false,'x');return performance.now()-t})(performance.now())",
-      "(t=>{document.execCommand('insertText',false,'x');return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandState('bold');return performance.now()-t})(performance.now())",
-      "(t=>{document.body.offsetHeight;return performance.now()-t})(performance.now())",
-      "(t=>{document.queryCommandState('bold');return performance.now()-t})(performance.now())",
-      "(t=>{pw.reportState();return performance.now()-t})(performance.now())",
-      "(t=>{pw.flush();return performance.now()-t})(performance.now())",
-      }) printf("%.1f %s\n", evaluate(js).toDouble(), js);
-}
-}

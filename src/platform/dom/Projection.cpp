@@ -124,8 +124,7 @@ Projection::~Projection() {
     impl_->document.removeObserver(this);
 }
 
-// --- What the program changes
-// ---------------------------------------------------------------------
+// --- What the program changes -------------------------------------------------------------------
 
 // The list of children that the view has is the present one with the change undone.
 void Projection::Impl::noteList(const Change& change) {
@@ -190,8 +189,7 @@ void Projection::selectionChanged(Origin origin) {
     impl_->announce();
 }
 
-// --- Writing
-// --------------------------------------------------------------------------------------
+// --- Writing ------------------------------------------------------------------------------------
 
 // NOTE: recursion is bounded by the parser, which bounds the depth of every tree.
 void Projection::Impl::writeRecord(Json& json, const Node& node) {
@@ -384,8 +382,7 @@ Node* Projection::nodeOfView(std::int64_t id) const {
     return impl_->document.isConnected(node) ? node : nullptr;
 }
 
-// --- What the view changes
-// ------------------------------------------------------------------------
+// --- What the view changes ----------------------------------------------------------------------
 
 // The view made this batch before it saw what the program changed. The program's changes stand;
 // what the view added or took away is brought into them.

@@ -163,8 +163,7 @@ bool ViewBatch::knowsAll(const Lookup& lookup) const {
            });
 }
 
-// --- Working out
-// -----------------------------------------------------------------------------------
+// --- Working out --------------------------------------------------------------------------------
 
 namespace {
 
@@ -250,8 +249,7 @@ void ViewBatch::plan(const Lookup& lookup) {
                              change[2].GetUint(), change[3].GetUint(), text(change[4])});
 }
 
-// --- Applying
-// -------------------------------------------------------------------------------------
+// --- Applying -----------------------------------------------------------------------------------
 
 bool ViewBatch::inPage(const Node* node) const {
     return node == document_.root() || document_.isConnected(node);

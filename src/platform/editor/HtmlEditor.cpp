@@ -83,8 +83,7 @@ void HtmlEditor::DisplayChangedSoon() {
     });
 }
 
-// --- The document
-// ---------------------------------------------------------------------------------
+// --- The document -------------------------------------------------------------------------------
 
 void HtmlEditor::ReplaceDocument(std::unique_ptr<dom::Document> document) {
     document_->removeObserver(watcher_.get());
@@ -190,8 +189,7 @@ void HtmlEditor::MarkClean() {
     document_->markClean();
 }
 
-// --- How it is shown
-// ------------------------------------------------------------------------------
+// --- How it is shown ----------------------------------------------------------------------------
 
 void HtmlEditor::SetSnapToGrid(int x, int y) {
     gridX_ = x;
@@ -222,8 +220,7 @@ void HtmlEditor::Refresh() {
     if (surface_) surface_->Refresh();
 }
 
-// --- Commands
-// -------------------------------------------------------------------------------------
+// --- Commands -----------------------------------------------------------------------------------
 
 CommandState HtmlEditor::QueryStatus(int command) {
     const auto enabledIf = [](bool can) {
@@ -367,8 +364,7 @@ void HtmlEditor::SelectAll() {
     document_->setSelection(selection);
 }
 
-// --- Links
-// ----------------------------------------------------------------------------------------
+// --- Links --------------------------------------------------------------------------------------
 
 std::vector<dom::Node*> HtmlEditor::LinksInSelection() const {
     const dom::Selection& selection = document_->selection();
@@ -404,8 +400,7 @@ void HtmlEditor::Unlink() {
     }
 }
 
-// --- Block formats
-// --------------------------------------------------------------------------------
+// --- Block formats ------------------------------------------------------------------------------
 
 std::string HtmlEditor::BlockFormat() const {
     for (const dom::Node* node = document_->elementAtCaret(); node; node = node->parentElement()) {

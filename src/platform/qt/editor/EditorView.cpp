@@ -36,6 +36,12 @@ constexpr int kWorld = QWebEngineScript::ApplicationWorld;
 constexpr int kDeathsInARow = 3;
 /** A key on its way to the renderer is waited for this long, in milliseconds. */
 constexpr int kKeyGrace = 150;
+/** A skeleton that does not report itself is asked so often, and loaded again after so many times.
+ */
+constexpr int kLoadTick = 400;
+constexpr int kLoadTicks = 25;
+/** The states of the commands are asked for when nothing has changed for so long. */
+constexpr int kStateRest = 60;
 
 /** The page of the editor goes nowhere: whatever would leave it is a link in the text. */
 class EditorPage : public QWebEnginePage {
@@ -97,8 +103,7 @@ QUrl urlOf(const QString& base) {
 
 }  // namespace
 
-// --- The browser widget
-// ---------------------------------------------------------------------------
+// --- The browser widget -------------------------------------------------------------------------
 
 void EditorWebView::dropEvent(QDropEvent* event) {
     QStringList paths;
@@ -117,8 +122,7 @@ void EditorWebView::contextMenuEvent(QContextMenuEvent* event) {
     event->accept();
 }
 
-// --- Making and showing
-// ---------------------------------------------------------------------------
+// --- Making and showing -------------------------------------------------------------------------
 
 EditorView::EditorView(QWidget* parent)
     : QWidget(parent), view_(new EditorWebView(this)), bridge_(new EditorBridge(this)) {
@@ -134,6 +138,13 @@ EditorView::EditorView(QWidget* parent)
     page->setWebChannel(&channel_, kWorld);
     view_->setPage(page);
     setFocusProxy(view_);
+    stateTimer_.setSingleShot(true);
+    stateTimer_.setInterval(kStateRest);
+    connect(&stateTimer_, &QTimer::timeout, this, [this] {
+        if (life_ == Life::Alive) run(QStringLiteral("pw.reportState()"));
+    });
+    loadTimer_.setInterval(kLoadTick);
+    connect(&loadTimer_, &QTimer::timeout, this, [this] { askAgain(); });
     connectBridge();
     connect(page, &QWebEnginePage::renderProcessTerminated, this, [this] { rendererDied(); });
     connect(view_, &EditorWebView::filesDropped, this,
@@ -163,6 +174,7 @@ void EditorView::connectBridge() {
     connect(bridge_, &EditorBridge::hasState, this, &EditorView::takeState);
     connect(bridge_, &EditorBridge::hasApplied, this, [this](int message) {
         if (!projection_) return;
+        stateTimer_.start();
         projection_->acknowledge(static_cast<std::uint32_t>(message));
         if (life_ == Life::Loading && prepared_.empty()) {
             life_ = Life::Alive;
@@ -232,10 +244,28 @@ void EditorView::loadSkeleton() {
     // While the renderer starts there is time to write the page out.
     prepared_ = projection_->snapshot();
     preparedRevision_ = document_->revision();
+    loadTicks_ = 0;
+    loadTimer_.start();
+}
+
+// In a renderer that has just replaced a dead one, the channel may come up after the scripts.
+void EditorView::askAgain() {
+    if (life_ != Life::Loading || prepared_.empty()) {
+        loadTimer_.stop();
+    } else if (++loadTicks_ < kLoadTicks) {
+        run(QStringLiteral("typeof pw === 'object' && pw.begin()"));
+    } else if (++deaths_ <= kDeathsInARow) {
+        loadSkeleton();
+    } else {
+        loadTimer_.stop();
+        life_ = Life::Dead;
+        giveUp();
+    }
 }
 
 void EditorView::viewReady(int token) {
-    if (token != generation_ || life_ != Life::Loading || !projection_) return;
+    if (token != generation_ || life_ != Life::Loading || !projection_ || prepared_.empty()) return;
+    loadTimer_.stop();
     static_cast<EditorPage*>(view_->page())->allowed = false;
     if (document_->revision() != preparedRevision_) prepared_ = projection_->snapshot();
     configure();
@@ -258,11 +288,7 @@ void EditorView::rendererDied() {
     }
     life_ = Life::Dead;
     if (++deaths_ > kDeathsInARow) {
-        // A page that kills every renderer can still be edited as source.
-        qWarning("The browser engine fails on this page again and again; it is not shown");
-        post([this] {
-            if (events.loaded) events.loaded();
-        });
+        giveUp();
         return;
     }
     const int generation = generation_;
@@ -271,8 +297,15 @@ void EditorView::rendererDied() {
     });
 }
 
-// --- The wire
-// -------------------------------------------------------------------------------------
+// A page that kills every renderer can still be edited as source.
+void EditorView::giveUp() {
+    qWarning("The browser engine fails on this page again and again; it is not shown");
+    post([this] {
+        if (events.loaded) events.loaded();
+    });
+}
+
+// --- The wire -----------------------------------------------------------------------------------
 
 void EditorView::run(const QString& script) {
     view_->page()->runJavaScript(script, kWorld);
@@ -310,6 +343,7 @@ void EditorView::takeBatch(const QString& json) {
         run(QStringLiteral("pw.sendAll()"));
         return;
     }
+    stateTimer_.start();
     reportChanged();
 }
 
@@ -335,8 +369,7 @@ void EditorView::reportChanged() {
     });
 }
 
-// --- Waiting
-// --------------------------------------------------------------------------------------
+// --- Waiting ------------------------------------------------------------------------------------
 
 bool EditorView::Busy() const {
     return life_ == Life::Loading || (life_ == Life::Dead && deaths_ <= kDeathsInARow) ||
@@ -404,14 +437,12 @@ bool EditorView::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
     } else if (event->type() == QEvent::KeyPress && watched == view_->focusProxy()) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (!key->isAutoRepeat()) ++keysSent_;
+        ++keysSent_;
     }
     return QWidget::eventFilter(watched, event);
 }
 
-// --- Commands
-// -------------------------------------------------------------------------------------
+// --- Commands -----------------------------------------------------------------------------------
 
 CommandState EditorView::QueryState(const std::string& command) const {
     if (life_ != Life::Alive) return CommandState::Disabled;
@@ -457,8 +488,7 @@ bool EditorView::Execute(const std::string& command, const std::string& argument
     return answered && executedDone_;
 }
 
-// --- What happens in the view
-// ---------------------------------------------------------------------
+// --- What happens in the view -------------------------------------------------------------------
 
 void EditorView::dispatchMouse(const QString& what, qint64 node) {
     if (what == QLatin1String("menu")) {
@@ -496,8 +526,7 @@ void EditorView::dispatchCommand(const QString& name) {
     });
 }
 
-// --- Settings and pictures
-// ------------------------------------------------------------------------
+// --- Settings and pictures ----------------------------------------------------------------------
 
 void EditorView::configure() {
     const auto flag = [](bool on) { return on ? QStringLiteral("true") : QStringLiteral("false"); };

@@ -2,6 +2,7 @@
 // The page as the user sees and edits it: a browser view that shows a dom::Document and sends back
 // what is typed into it. The document is the truth; the view can die and is shown anew from it.
 #include <QHash>
+#include <QTimer>
 #include <QWebChannel>
 #include <QWebEngineView>
 #include <QWidget>
@@ -63,11 +64,13 @@ class EditorView : public QWidget, public EditorSurface {
     void connectBridge();
     void loadSkeleton();
     void viewReady(int token);
+    void askAgain();
     void takeBatch(const QString& json);
     void takeState(const QString& json);
     void sendOutgoing();
     void sendSoon();
     void rendererDied();
+    void giveUp();
     void dispatchMouse(const QString& what, qint64 node);
     void dispatchKey(int code, bool alt, bool control, bool shift);
     void dispatchCommand(const QString& name);
@@ -101,6 +104,9 @@ class EditorView : public QWidget, public EditorSurface {
     int keysSeen_ = 0;
     bool sendPosted_ = false;
     bool changedPosted_ = false;
+    QTimer loadTimer_;  ///< runs until the skeleton reports itself
+    int loadTicks_ = 0;
+    QTimer stateTimer_;  ///< runs until the hand rests
     QHash<QString, int> states_;
     QHash<QString, QString> values_;
     int gridX_ = 50;

@@ -30,6 +30,20 @@ const pw = (function () {
         {type: 6, object: 'editor', method, args, id: ++callNumber}));
   }
 
+  // Timers belong to the page's scripts and are dead with them. Messages are not: this runs a task
+  // when the present event is done, what the engine does about it included.
+  const tasks = new MessageChannel();
+  let queue = [];
+  tasks.port1.onmessage = () => {
+    const due = queue;
+    queue = [];
+    for (const task of due) task();
+  };
+  function later(task) {
+    queue.push(task);
+    if (queue.length === 1) tasks.port2.postMessage(0);
+  }
+
   // A lone surrogate, which the user can make by deleting half a character, has no UTF-8.
   function wellFormed(text) {
     return /[\ud800-\udfff]/.test(text)
@@ -189,15 +203,17 @@ const pw = (function () {
     }
   }
 
-  let frameDue = false;
+  let flushDue = false;
+  function flushLater() {
+    if (flushDue) return;
+    flushDue = true;
+    later(() => { flushDue = false; flush(); });
+  }
+
+  // What comes from a key press is sent by its input event, the rest a task later.
   function collect(records) {
     note(records);
-    // What comes from a key press is sent by its input event. The rest waits for the frame's end,
-    // so that what a mouse movement changes in many places travels once.
-    if (!frameDue) {
-      frameDue = true;
-      setTimeout(() => { frameDue = false; flush(); }, 16);
-    }
+    flushLater();
   }
 
   function forget(node) {
@@ -281,7 +297,7 @@ const pw = (function () {
     lastSelection = text;
     call('batch', JSON.stringify(Object.assign(batch || {}, {sel: selected})));
     if (batch) for (const listener of pwListeners.changed) listener();
-    stateDue();
+    stateStale = true;
   }
 
   // The whole tree, for a program that has lost track.
@@ -321,7 +337,7 @@ const pw = (function () {
       flush();
     }
     for (const listener of pwListeners.changed) listener();
-    stateDue();
+    stateStale = true;
   }
 
   function applyLists(message) {
@@ -454,15 +470,12 @@ const pw = (function () {
            range.endOffset === range.startOffset + 1;
   }
 
-  let reportDue = false;
   document.addEventListener('selectionchange', () => {
     if (control && !controlHolds()) {
       control = null;
       for (const listener of pwListeners.selected) listener();
     }
-    if (reportDue) return;
-    reportDue = true;
-    setTimeout(() => { reportDue = false; flush(); }, 0);
+    flushLater();
   });
 
   // --- States of the formatting commands ---------------------------------------------------------
@@ -474,15 +487,11 @@ const pw = (function () {
                    'backColor', 'fontName', 'fontSize', 'formatBlock', 'insertHTML'];
   const VALUES = ['fontName', 'fontSize', 'formatBlock', 'foreColor', 'backColor'];
 
-  let stateTimer = 0, lastState = '';
-  function stateDue() {
-    // Asking costs more than a key press may; the toolbar can wait until the hand rests.
-    if (!stateTimer) stateTimer = setTimeout(reportState, 60);
-  }
-
+  // The program asks for them when the hand rests: this costs more than a key press may.
+  let stateStale = true, lastState = '';
   function reportState() {
-    clearTimeout(stateTimer);
-    stateTimer = 0;
+    if (!stateStale) return;
+    stateStale = false;
     const states = {}, values = {};
     const any = getSelection().rangeCount > 0;
     for (const name of TOGGLES)
@@ -501,7 +510,7 @@ const pw = (function () {
   // The program waits for this: everything that was done here is on the wire before the answer.
   function sync(token, withState) {
     flush();
-    if (withState && stateTimer) reportState();
+    if (withState) reportState();
     call('synced', token, keysSeen);
   }
 
@@ -530,6 +539,7 @@ const pw = (function () {
   }
 
   function begin() {
+    if (typeof qt !== 'object' || !qt.webChannelTransport) return;
     qt.webChannelTransport.onmessage = () => {};
     const token = /^pw-(\d+)$/.exec(document.documentElement.id);
     if (token) call('ready', Number(token[1]));
@@ -538,7 +548,7 @@ const pw = (function () {
   const pwListeners = {changed: [], selected: [], shown: []};
   const api = {
     executing: false, begin, ensureCaret, call, load, apply, sync, execute, sendAll, flush, select, selectObject, hidden, record,
-    childrenOf, stateDue, reportState, listeners: pwListeners, KINDS,
+    childrenOf, later, reportState, listeners: pwListeners, KINDS,
     nodeOf: id => nodeOf.get(id),
     control: () => control, countKey: () => { keysSeen++; },
   };

@@ -33,13 +33,26 @@
   const OWN = new Set([65, 66, 67, 73, 85, 88, 89, 90]);  // A B C I U X Y Z
   const held = new Map();
 
+  // The program waits for the keys that it has handed over. One that inserts something has done so
+  // only when its second event has come.
+  let unfinished = false;
+  const finishKey = () => {
+    if (unfinished) pw.countKey();
+    unfinished = false;
+  };
+  on('keypress', finishKey);
+
   on('keydown', e => {
-    pw.countKey();
+    finishKey();
+    const inserts = e.key.length === 1 || e.key === 'Enter';
+    if (inserts && !e.ctrlKey && !e.altKey && !e.metaKey) unfinished = true;
+    else pw.countKey();
     held.set(e.code || e.keyCode, {alt: e.altKey, control: e.ctrlKey, shift: e.shiftKey});
     if (e.ctrlKey && !e.altKey && OWN.has(e.keyCode)) e.preventDefault();
   });
 
   on('keyup', e => {
+    finishKey();
     // The modifiers are those of the press: hands leave them in any order. A press that a shortcut
     // of the window has taken never came here, and must not act a second time.
     const name = e.code || e.keyCode;
@@ -111,12 +124,13 @@
     const object = pressed;
     pressed = null;
     // The engine ends a press on a picture with a caret beside it, behind our back.
-    setTimeout(() => {
+    const target = e.target;
+    pw.later(() => {
       if (object && object.isConnected && e.button === 0) pw.selectObject(object);
       pw.flush();
       pw.reportState();
-      pw.call('mouse', 'up', known(e.target));
-    }, 0);
+      pw.call('mouse', 'up', known(target));
+    });
   });
   on('dragstart', () => { pressed = null; });
 
