@@ -159,6 +159,24 @@ int main(int, char** arguments) {
     Row("save after one page : full save", Median(oneChanged) * 1000, Median(fullSave) * 1000, "ms",
         0.3);
 
+    {
+        pw::cli::Session session((base / "profile").string());
+        session.Open(pw::FromNativePath(file.string()));
+        const std::string scratch = pw::ToNativePath(session.Project().WorkingFolder);
+        std::vector<double> publish, copy;
+        for (int round = 0; round < kRounds; ++round) {
+            emptyOut();
+            publish.push_back(Seconds([&] {
+                const auto result =
+                    pw::PublishAsHTML(session.Context(), pw::FromNativePath(out.string()));
+                Require(result.published, result.reason);
+            }));
+            emptyOut();
+            copy.push_back(Seconds([&] { Shell("cp -r " + scratch + " " + out.string()); }));
+        }
+        Row("publish as HTML : cp -r", Median(publish) * 1000, Median(copy) * 1000, "ms", 1.5);
+    }
+
     const std::string cli =
         (fs::canonical(arguments[0]).parent_path().parent_path() / "pagewick-cli").string();
     Row("memory of info : of 10 pages", MemoryOf(cli + " info " + file.string()),
