@@ -1,7 +1,9 @@
 // Loads and saves each page named on standard input and tells which do not come back byte for byte.
 // With --edit each page is also loaded with one attribute and with one text changed, and must
 // differ from what it was there alone, and come back whole when that is undone.
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <string>
@@ -102,7 +104,8 @@ int main(int count, char** arguments) {
     int identical = 0;
     std::vector<std::string> different;
     for (std::string name; std::getline(std::cin, name);) {
-        const std::string problem = check(readFile(name), edits);
+        const bool readable = std::filesystem::is_regular_file(name) && std::ifstream(name);
+        const std::string problem = readable ? check(readFile(name), edits) : "cannot be read";
         if (problem.empty()) {
             ++identical;
         } else {

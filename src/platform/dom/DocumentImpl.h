@@ -4,6 +4,7 @@
 #include <deque>
 #include <list>
 
+#include "platform/dom/CarriedBytes.h"
 #include "platform/dom/Document.h"
 #include "platform/dom/History.h"
 
@@ -67,6 +68,7 @@ struct Document::Impl {
     bool allValid = false;
 
     History history;
+    CarriedBytes carried;
     Origin origin = Origin::Program;
     std::vector<DocumentObserver*> observers;
     bool reloadDue = false;  ///< observers have to be told at the end of the step

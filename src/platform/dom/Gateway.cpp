@@ -296,6 +296,7 @@ void Gateway::perform(Primitive primitive) {
     if (primitive.parent) primitive.parent->tracked_ = true;
     if (impl.history.inStep()) {
         apply(primitive, Direction::Forwards, impl.origin);
+        carryBytes(primitive);
         impl.history.record(std::move(primitive));
         return;
     }
@@ -308,6 +309,17 @@ void Gateway::perform(Primitive primitive) {
     apply(primitive, Direction::Forwards, impl.origin);
     impl.history.record(std::move(primitive));
     impl.history.endStep();
+}
+
+void Gateway::carryBytes(const Primitive& primitive) {
+    CarriedBytes& carried = document_.impl_->carried;
+    if (bytes_ == Bytes::Given) return;
+    if (primitive.kind == Change::Kind::InsertNode) carried.inserted(*primitive.node);
+    if (primitive.removed.empty() && primitive.inserted.empty()) return;
+    carried.touched(*primitive.node);
+    const bool plain = primitive.node->isText() && !primitive.node->raw_;
+    if (plain && primitive.node->sourced_)
+        carried.taken(primitive.removed, primitive.removedSource);
 }
 
 void Gateway::apply(Primitive& primitive, Direction direction, Origin origin) {

@@ -75,6 +75,7 @@ class Gateway {
   private:
     static std::string_view& pieceOf(Node& node, Piece piece);
     void perform(Primitive primitive);
+    void carryBytes(const Primitive& primitive);
     void link(Node& parent, Node& node, Node* before);
     void unlink(Node& node);
     void setConnected(Node& node, bool connected);

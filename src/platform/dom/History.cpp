@@ -35,6 +35,7 @@ void History::record(Primitive primitive) {
 
 void History::endStep() {
     if (--depth_ > 0) return;
+    document_.impl_->carried.clear();
     if (open_.primitives.empty()) return;
     open_.after = document_.selection_;
     finish(std::move(open_));

@@ -78,6 +78,7 @@ class Node {
     friend class SourceEdit;
     friend class SourceOrder;
     friend class NodePool;
+    friend class CarriedBytes;
     Node() = default;
 
     NodeId id_ = 0;

@@ -177,6 +177,45 @@ TEST_F(HistoryTest, NodesMadeOutsideOfTheTreeComeBackAsTheyWere) {
     EXPECT_EQ(page->html(), edited);
 }
 
+TEST(CarriedBytes, SurviveWhatTheViewDoesWhenItSplitsAText) {
+    struct Row {
+        const char* name;
+        bool nodeFirst;  ///< the new node comes before the old one is shortened
+        std::size_t offset;
+        std::size_t length;  ///< of the part that moves
+        const char* expected;
+    };
+    // The text is eight bytes: two, two, a blank, and one, a line end, one.
+    const std::string source = "<p>&eacute;&Auml; x\r\ny</p>\r\n";
+    for (const Row& row :
+         {Row{"the end", false, 4, 4, "<p>&eacute;&Auml;</p><p> x\r\ny</p>\r\n"},
+          Row{"the end, the node first", true, 2, 6, "<p>&eacute;</p><p>&Auml; x\r\ny</p>\r\n"},
+          Row{"the beginning", false, 0, 2, "<p>&Auml; x\r\ny</p><p>&eacute;</p>\r\n"}}) {
+        SCOPED_TRACE(row.name);
+        const auto page = Document::parseText(source);
+        Node* paragraph = page->tags("p")[0];
+        Node* text = paragraph->firstChild();
+        const std::string moving = text->data().substr(row.offset, row.length);
+        const auto add = [&] {
+            Node* half = page->createElement("p");
+            page->insertNode(*half, *page->createText(moving), nullptr);
+            page->insertNode(*paragraph->parent(), *half, paragraph->next());
+        };
+        {
+            const Document::OriginScope view(*page, Origin::View);
+            const Document::Step step(*page, StepKind::Typing);
+            if (row.nodeFirst) add();
+            page->replaceText(*text, row.offset, row.length, "");
+            if (!row.nodeFirst) add();
+        }
+        EXPECT_EQ(page->html(), row.expected);
+        page->undo();
+        EXPECT_EQ(page->html(), source);
+        page->redo();
+        EXPECT_EQ(page->html(), row.expected);
+    }
+}
+
 TEST_F(HistoryTest, ObserversHearOfEveryChange) {
     struct Observer : DocumentObserver {
         void documentChanged(const Change& change) override {
