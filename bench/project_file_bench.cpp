@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "cli/Session.h"
+#include "project/PublishHTML.h"
 #include "project/omProj/Project.h"
 
 namespace {
