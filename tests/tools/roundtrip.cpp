@@ -56,7 +56,9 @@ std::string checkEdit(const std::string& bytes, const char* what,
 std::string editAttribute(Document& document) {
     std::vector<Node*> with;
     for (Node* node : document.all()) {
-        if (!node->attributes().empty()) with.push_back(node);
+        if (!node->attributes().empty() && !node->attributes().back().value.empty()) {
+            with.push_back(node);
+        }
     }
     if (with.empty()) return {};
     Node* node = with[with.size() / 2];

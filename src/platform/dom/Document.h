@@ -184,7 +184,10 @@ class Document {
     void deleteSelection();
 
     // --- History ------------------------------------------------------------------------------
-    /** Groups all changes while it lives into one undo step; nested ones join the outermost. */
+    /** Groups all changes while it lives into one undo step; nested ones join the outermost. The
+     *  selection at its end is the one that redo brings back, so the view's belongs within it. Text
+     *  that leaves one node and comes back in a new one within a step keeps its bytes. A change
+     *  outside of every step is a step of its own; typing of the view merges with the last. */
     class Step {
       public:
         explicit Step(Document& document, StepKind kind = StepKind::Command);
