@@ -43,10 +43,11 @@ class Form : public QWidget {
 struct FormBinderTest : testing::Test {
     Form form;
     ControlOwner owner;
-    std::unique_ptr<FormBinder> binder;
-    void bind() {
-        binder = std::make_unique<FormBinder>(owner, form);
+    /** To be kept for a shorter time than the controls. */
+    std::unique_ptr<FormBinder> bind() {
+        auto binder = std::make_unique<FormBinder>(owner, form);
         form.show();
+        return binder;
     }
 };
 
@@ -79,7 +80,7 @@ TEST_F(FormBinderTest, TellsWhatDoesNotFit) {
     TextBox name(&owner, "txtName");
     TextBox missing(&owner, "txtMissing");
     ComboBox kind(&owner, "cboKind");
-    bind();
+    const auto binder = bind();
     EXPECT_EQ(binder->report().controlsWithoutWidget, QStringList{"txtMissing"});
     EXPECT_EQ(binder->report().widgetsWithoutControl, QStringList{"txtStray"})
         << binder->report().text().toStdString();
@@ -96,7 +97,7 @@ TEST_F(FormBinderTest, ShowsWhatEveryControlShares) {
     Button go(&owner, "cmdGo");
     go.SetVisible(false);
     go.toolTip = "Goes";
-    bind();
+    const auto binder = bind();
     EXPECT_FALSE(button->isVisible());
     EXPECT_EQ(button->text(), "&Old") << "an empty caption leaves the form's own";
     EXPECT_EQ(button->toolTip(), "Goes");
@@ -124,7 +125,7 @@ TEST_F(FormBinderTest, LabelShowsMarksOnlyForABuddy) {
     Label buddyModel(&owner, "lblBuddy");
     plainModel.SetCaption("&Size of A & B");
     buddyModel.SetCaption("&Size:");
-    bind();
+    const auto binder = bind();
     EXPECT_EQ(plain->text(), "Size of A & B");
     EXPECT_EQ(buddy->text(), "&Size:");
     plainModel.SetCaption("");
@@ -142,7 +143,7 @@ TEST_F(FormBinderTest, TextGoesBothWays) {
     lineModel.Change = [&] { ++changes; };
     boxModel.SetText("a\r\nb");
     pathModel.SetText("\\home\\ann");
-    bind();
+    const auto binder = bind();
     EXPECT_EQ(changes, 0);
     EXPECT_EQ(box->toPlainText(), "a\nb");
     EXPECT_EQ(path->text(), "/home/ann");
@@ -167,7 +168,7 @@ TEST_F(FormBinderTest, RefusedKeysLeaveNoTrace) {
     digits.KeyPress = [](int& code) {
         if (code < '0' || code > '9') code = 0;
     };
-    bind();
+    const auto binder = bind();
     QTest::keyClicks(line, "1a2");
     EXPECT_EQ(line->text(), "12");
     EXPECT_EQ(digits.Text(), "12");
@@ -183,7 +184,7 @@ TEST_F(FormBinderTest, SelectionCountsBytesOfLongLineEnds) {
     auto* box = form.add<QPlainTextEdit>("txtBox");
     TextBox model(&owner, "txtBox");
     model.SetText("ä\r\nbc");
-    bind();
+    const auto binder = bind();
     model.Select(4, 2);
     EXPECT_EQ(box->textCursor().selectedText(), "bc");
     QTextCursor cursor = box->textCursor();
@@ -204,7 +205,7 @@ TEST_F(FormBinderTest, ChecksAndOptions) {
     kind[1].SetChecked(true);
     int clicks = 0;
     kind[0].Click = [&] { ++clicks; };
-    bind();
+    const auto binder = bind();
     EXPECT_TRUE(check->isChecked());
     EXPECT_TRUE(second->isChecked());
     QTest::mouseClick(check, Qt::LeftButton, {}, QPoint(8, check->height() / 2));
@@ -227,7 +228,7 @@ TEST_F(FormBinderTest, ComboBoxes) {
     listModel.SetItems({"one", "two"});
     typedModel.SetItems({"Arial", "Courier"});
     typedModel.SetText("Fancy");
-    bind();
+    const auto binder = bind();
     EXPECT_EQ(list->currentIndex(), -1);
     EXPECT_EQ(typed->currentText(), "Fancy");
     QTest::keyClick(list, Qt::Key_Down);
@@ -259,7 +260,7 @@ TEST_F(FormBinderTest, NumbersColorsAndTabs) {
     int clicks = 0;
     color.Click = [&] { ++clicks; };
     strip.Click = [&] { ++clicks; };
-    bind();
+    const auto binder = bind();
     EXPECT_TRUE(binder->report().complete()) << binder->report().text().toStdString();
     EXPECT_EQ(number->value(), 200);
     number->setValue(201);
@@ -281,7 +282,7 @@ TEST_F(FormBinderTest, DatesAreDayCounts) {
     auto* date = form.add<QDateEdit>("dtpDue");
     DatePicker due(&owner, "dtpDue");
     due.SetValue(45000.25);
-    bind();
+    const auto binder = bind();
     EXPECT_EQ(date->date(), QDate(2023, 3, 15));
     EXPECT_EQ(due.Value(), 45000.25) << "showing it takes no part of the day off";
     date->setDate(QDate(2023, 3, 16));
@@ -303,7 +304,7 @@ TEST_F(FormBinderTest, LongListsMakeOnlyTheRowsThatAreSeen) {
         return shown;
     });
     form.resize(400, 300);
-    bind();
+    const auto binder = bind();
     QTest::qWait(50);
     EXPECT_EQ(view->model()->rowCount(), 100000);
     EXPECT_LT(made, 5000);
@@ -329,7 +330,7 @@ TEST_F(FormBinderTest, ListSortsByItsHeaders) {
         row.cells = {std::string("n") + size, size};
         list.Add(row);
     }
-    bind();
+    const auto binder = bind();
     QTest::qWait(1);
     const auto top = [&] { return view->model()->index(0, 1).data().toString(); };
     const auto press = [&](int column) {
@@ -366,7 +367,7 @@ struct TreeTest : FormBinderTest {
 
 TEST_F(TreeTest, FollowsNodeByNode) {
     add("", "site", true);
-    bind();
+    const auto binder = bind();
     QSignalSpy resets(view->model(), &QAbstractItemModel::modelReset);
     add("site", "folder", true);
     add("folder", "page 1");
@@ -395,7 +396,7 @@ TEST_F(TreeTest, FollowsNodeByNode) {
 TEST_F(TreeTest, ExpandingIsTheUsers) {
     add("", "site");
     add("site", "page");
-    bind();
+    const auto binder = bind();
     int told = 0;
     tree.ExpandedChanged = [&](TreeNode&) { ++told; };
     view->expand(at("site"));
@@ -408,7 +409,7 @@ TEST_F(TreeTest, ExpandingIsTheUsers) {
 
 TEST_F(TreeTest, RightButtonTellsPressAndRelease) {
     add("", "site");
-    bind();
+    const auto binder = bind();
     std::string told;
     tree.MouseDown = [&](bool right) { told += right ? "D" : "d"; };
     tree.MouseUp = [&](bool right) { told += right ? "U" : "u"; };
@@ -423,7 +424,7 @@ TEST_F(TreeTest, RightButtonTellsPressAndRelease) {
 TEST_F(TreeTest, NothingIsReadWhileItIsFilledAnew) {
     add("", "site", true);
     for (int i = 0; i < 20; ++i) add("site", "old" + std::to_string(i));
-    bind();
+    const auto binder = bind();
     QTest::qWait(1);
     tree.BeginUpdate();
     tree.Clear();
@@ -440,7 +441,7 @@ TEST_F(TreeTest, NothingIsReadWhileItIsFilledAnew) {
 
 TEST_F(TreeTest, TenThousandNodesStayQuick) {
     add("", "site", true);
-    bind();
+    const auto binder = bind();
     QElapsedTimer timer;
     timer.start();
     tree.BeginUpdate();

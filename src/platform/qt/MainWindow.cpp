@@ -32,8 +32,10 @@ constexpr int cascadeStep = 28;
 /** The panes by the numbers that the Edit commands know them by. */
 enum PaneNumber { pagePane = 0, projectPane = 1, pageExplorerPane = 2, taskPane = 3 };
 
-/** Toolbars that begin a row of their own. */
-const QStringList rowStarts = {QStringLiteral("Format"), QStringLiteral("Insert")};
+/** The toolbars by rows; those that are not named come last. The rows that beginners see are full
+ *  without being too wide for a small screen. */
+const QList<QStringList> toolBarRows = {
+    {"Standard", "Insert", "Insert Advanced"}, {"Format", "Table"}, {"Forms", "Layering"}};
 
 /** A little air between the rows. */
 class RowDelegate : public QStyledItemDelegate {
@@ -209,22 +211,21 @@ void MainWindow::unbind() {
 }
 
 void MainWindow::arrangeToolBars() {
-    QToolBar* standard = bars_->toolBar("Standard");
-    for (QToolBar* toolBar : findChildren<QToolBar*>()) {
-        if (toolBar != standard && rowStarts.contains(toolBar->objectName())) {
-            insertToolBarBreak(toolBar);
+    QList<QToolBar*> left = findChildren<QToolBar*>(Qt::FindDirectChildrenOnly);
+    const auto place = [&](QToolBar* toolBar) {
+        const bool hidden = toolBar->isHidden();
+        addToolBar(toolBar);
+        toolBar->setHidden(hidden);
+        left.removeOne(toolBar);
+    };
+    for (const QStringList& row : toolBarRows) {
+        if (row != toolBarRows.constFirst()) addToolBarBreak();
+        for (const QString& name : row) {
+            if (QToolBar* toolBar = bars_->toolBar(fromQt(name))) place(toolBar);
         }
     }
-    if (standard && !findChildren<QToolBar*>().isEmpty()) {
-        // The first row, whatever the order of the bands.
-        QToolBar* first = findChildren<QToolBar*>().constFirst();
-        if (first != standard) {
-            const bool shown = standard->isVisibleTo(this);
-            insertToolBar(first, standard);
-            standard->setVisible(shown);
-            insertToolBarBreak(first);
-        }
-    }
+    for (QToolBar* toolBar : QList<QToolBar*>(left))
+        place(toolBar);
 }
 
 // --- Surface ------------------------------------------------------------------------------------
