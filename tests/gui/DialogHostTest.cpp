@@ -213,5 +213,18 @@ TEST(MessageLoopTest, WaitsForWhatEventsBring) {
     EXPECT_TRUE(done);
 }
 
+TEST(MessageLoopTest, AWaitInsideAnEventSeesWhatWasPostedWithIt) {
+    QtMessageLoop loop;
+    bool second = false;
+    bool waited = false;
+    loop.Post([&] {
+        loop.WaitUntil([&] { return second; });
+        waited = true;
+    });
+    loop.Post([&] { second = true; });
+    loop.ProcessEvents();
+    EXPECT_TRUE(waited);
+}
+
 }  // namespace
 }  // namespace pw

@@ -91,11 +91,6 @@ class Album {
 
 void keepMainWindow(const Album& album) {
     const std::string data = GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
-    {
-        ShownProgram shown("");
-        shown.window.ShowWelcome(true, {"\\home\\ann\\Documents\\Shop.pwp", "\\srv\\Club.pwp"});
-        album.keep(shown.window, "welcome");
-    }
     ShownProgram shown(data + "\\example\\index.html");
     MainWindow& window = shown.window;
     album.keep(window, "normal");
@@ -108,6 +103,8 @@ void keepMainWindow(const Album& album) {
         album.keep(window, name);
     }
     document->Surface().events.tabPressed(View::Normal);
+    window.ShowWelcome(true, {"\\home\\ann\\Documents\\Shop.pwp", "\\srv\\Club.pwp"});
+    album.keep(window, "welcome");
     const auto second = window.CreateDocument();
     second->SetCaption("About us [about.htm]");
     window.Arrange(Arrangement::TileHorizontally);

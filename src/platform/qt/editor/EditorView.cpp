@@ -21,6 +21,7 @@
 #include <QWebEngineSettings>
 
 #include "platform/FileSystem.h"
+#include "platform/qt/QtMessageLoop.h"
 #include "platform/qt/editor/EditorBridge.h"
 
 // The resources of a static library are left out of the program unless somebody asks for them.
@@ -379,10 +380,12 @@ bool EditorView::Busy() const {
 bool EditorView::waitFor(const std::function<bool()>& condition) {
     const QPointer<EditorView> self(this);
     const int generation = generation_;
+    const auto over = [&] {
+        return !self || life_ == Life::Dead || life_ == Life::Empty || generation != generation_;
+    };
     while (!condition()) {
-        if (life_ == Life::Dead || life_ == Life::Empty || generation != generation_) return false;
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
-                                        QEventLoop::WaitForMoreEvents);
+        if (over()) return false;
+        sleepForEvents([&] { return over() || condition(); }, QEventLoop::ExcludeUserInputEvents);
         if (!self) return false;
     }
     return true;
@@ -391,11 +394,12 @@ bool EditorView::waitFor(const std::function<bool()>& condition) {
 void EditorView::Flush() {
     if (!document_ || life_ == Life::Empty) return;
     const QPointer<EditorView> self(this);
-    while (life_ == Life::Loading || (life_ == Life::Dead && deaths_ <= kDeathsInARow)) {
-        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
-                                        QEventLoop::WaitForMoreEvents);
-        if (!self) return;
-    }
+    const auto shown = [&] {
+        return !self || (life_ != Life::Loading &&
+                         (life_ != Life::Dead || deaths_ > kDeathsInARow));
+    };
+    while (!shown()) sleepForEvents(shown, QEventLoop::ExcludeUserInputEvents);
+    if (!self) return;
     QElapsedTimer grace;
     grace.start();
     while (life_ == Life::Alive) {
