@@ -211,12 +211,15 @@ TEST_F(EditorViewMouseTest, APressSelectsObjectsAndReportsTheHit) {
         const char* selector;
         const char* tag;
         dom::SelectionType type;
+        double across = 0.5;
     };
     const Row rows[] = {
         {"img", "img", dom::SelectionType::Control},
         {"input", "input", dom::SelectionType::Control},
         {"h1", "h1", dom::SelectionType::Text},
         {"b", "b", dom::SelectionType::Text},
+        {"table", "table", dom::SelectionType::Control, 0.002},
+        {"td", "td", dom::SelectionType::Text},
     };
     open(kPage);
     dom::Node* hit = nullptr;
@@ -227,7 +230,7 @@ TEST_F(EditorViewMouseTest, APressSelectsObjectsAndReportsTheHit) {
         SCOPED_TRACE(row.selector);
         hit = nullptr;
         released = 0;
-        QTest::mouseClick(keyboard(), Qt::LeftButton, {}, at(row.selector));
+        QTest::mouseClick(keyboard(), Qt::LeftButton, {}, at(row.selector, row.across));
         ASSERT_TRUE(QTest::qWaitFor([&] { return released > 0; }));
         view.Flush();
         ASSERT_TRUE(hit);

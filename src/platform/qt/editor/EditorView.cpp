@@ -19,6 +19,8 @@
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineSettings>
+#include <algorithm>
+#include <csignal>
 
 #include "platform/FileSystem.h"
 #include "platform/qt/QtMessageLoop.h"
@@ -377,14 +379,28 @@ bool EditorView::Busy() const {
            (life_ == Life::Alive && !projection_->settled());
 }
 
+void EditorView::endRenderer() {
+    const qint64 process = view_->page()->renderProcessPid();
+    qWarning("The browser engine does not answer; the page is shown anew");
+    if (process > 0) kill(static_cast<pid_t>(process), SIGKILL);
+}
+
 bool EditorView::waitFor(const std::function<bool()>& condition) {
     const QPointer<EditorView> self(this);
     const int generation = generation_;
     const auto over = [&] {
         return !self || life_ == Life::Dead || life_ == Life::Empty || generation != generation_;
     };
+    QElapsedTimer waited;
+    waited.start();
+    QTimer tick;  // so that the wait below ends even when nothing happens
+    tick.start(std::max(1, patience_ / 10));
     while (!condition()) {
         if (over()) return false;
+        if (waited.elapsed() > patience_) {
+            endRenderer();
+            waited.restart();
+        }
         sleepForEvents([&] { return over() || condition(); }, QEventLoop::ExcludeUserInputEvents);
         if (!self) return false;
     }
@@ -395,10 +411,11 @@ void EditorView::Flush() {
     if (!document_ || life_ == Life::Empty) return;
     const QPointer<EditorView> self(this);
     const auto shown = [&] {
-        return !self || (life_ != Life::Loading &&
-                         (life_ != Life::Dead || deaths_ > kDeathsInARow));
+        return !self ||
+               (life_ != Life::Loading && (life_ != Life::Dead || deaths_ > kDeathsInARow));
     };
-    while (!shown()) sleepForEvents(shown, QEventLoop::ExcludeUserInputEvents);
+    while (!shown())
+        sleepForEvents(shown, QEventLoop::ExcludeUserInputEvents);
     if (!self) return;
     QElapsedTimer grace;
     grace.start();

@@ -56,6 +56,9 @@ class EditorView : public QWidget, public EditorSurface {
     bool Capture(const std::string& path) override;
 
     QWebEngineView* view() const { return view_; }
+    /** How long a command of the browser engine may take, in milliseconds. Some never end on
+     *  markup that is odd enough; the page is then shown anew, without the command. */
+    void setPatience(int milliseconds) { patience_ = milliseconds; }
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -71,6 +74,7 @@ class EditorView : public QWidget, public EditorSurface {
     void sendSoon();
     void rendererDied();
     void giveUp();
+    void endRenderer();
     void dispatchMouse(const QString& what, qint64 node);
     void dispatchKey(int code, bool alt, bool control, bool shift);
     void dispatchCommand(const QString& name);
@@ -109,6 +113,7 @@ class EditorView : public QWidget, public EditorSurface {
     QTimer stateTimer_;  ///< runs until the hand rests
     QHash<QString, int> states_;
     QHash<QString, QString> values_;
+    int patience_ = 60'000;
     int gridX_ = 50;
     int gridY_ = 50;
     bool borders_ = false;

@@ -120,11 +120,12 @@
     pw.call('mouse', 'down', known(e.target));
   });
   on('mouseup', e => {
-    if (pw.hidden.has(e.target)) return;
+    // A handle may have come up under the pointer since the press.
+    if (pw.hidden.has(e.target) && !pressed) return;
     const object = pressed;
     pressed = null;
     // The engine ends a press on a picture with a caret beside it, behind our back.
-    const target = e.target;
+    const target = object || e.target;
     pw.later(() => {
       if (object && object.isConnected && e.button === 0) pw.selectObject(object);
       pw.flush();
