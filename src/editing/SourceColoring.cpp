@@ -178,7 +178,8 @@ class LineColoring {
             mode_ = Mode::Tag;
         } else {
             const std::size_t start = at_;
-            while (at_ < line_.size() && !IsBlank(line_[at_]) && line_[at_] != '>') ++at_;
+            while (at_ < line_.size() && !IsBlank(line_[at_]) && line_[at_] != '>')
+                ++at_;
             Add(start, at_, SourcePart::Value);
             mode_ = Mode::Tag;
         }
@@ -194,7 +195,8 @@ class LineColoring {
 
     void UpTo(std::string_view end, SourcePart part) {
         const std::size_t start = at_;
-        while (at_ < line_.size() && !Matches(line_, at_, end)) ++at_;
+        while (at_ < line_.size() && !Matches(line_, at_, end))
+            ++at_;
         if (at_ < line_.size()) {
             at_ += end.size();
             mode_ = Mode::Content;

@@ -39,13 +39,19 @@ struct CommandBarViewTest : testing::Test {
         font.kind = ToolKind::Combo;
         font.items = {"Arial", "Courier"};
         bar.AddTool(font);
-        bar.AddBand({"mnuMain", "", BandKind::Menu,
+        bar.AddBand({"mnuMain",
+                     "",
+                     BandKind::Menu,
                      {subBand("mnuFile", "&File"), subBand("mnuFormat", "F&ormat")}});
-        bar.AddBand({"mnuFile", "&File", BandKind::Menu,
+        bar.AddBand({"mnuFile",
+                     "&File",
+                     BandKind::Menu,
                      {item(6, "&Open Project..."), line, subBand("mnuMore", "&More")}});
         bar.AddBand({"mnuMore", "&More", BandKind::Menu, {item(404, "Fett")}});
         bar.AddBand({"mnuFormat", "F&ormat", BandKind::Menu, {item(404, "&Bold")}});
-        bar.AddBand({"Format", "Format", BandKind::Toolbar,
+        bar.AddBand({"Format",
+                     "Format",
+                     BandKind::Toolbar,
                      {item(402, "Font Name"), item(404, "Bold"), line, item(6, "Open")}});
         bar.AddBand({"mnuContext", "", BandKind::Popup, {item(404, "Bold text")}});
         bar.ToolClick = [this](int number) { clicks.push_back(number); };

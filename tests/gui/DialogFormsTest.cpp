@@ -1,8 +1,8 @@
 // Every dialog of the program with its own form: what one has, the other must have too.
 #include <gtest/gtest.h>
 
-#include <QIcon>
 #include <QApplication>
+#include <QIcon>
 
 #include "editing/frmFindReplace.h"
 #include "mainwindow/frmAbout.h"
@@ -101,8 +101,7 @@ TEST_F(DialogFormsTest, EveryIconIsInTheTheme) {
         for (const BandItem& item : program.bar().FindBand(name)->items) {
             const Tool* tool = program.bar().FindTool(item.number);
             if (!tool || tool->kind == ToolKind::Combo) continue;
-            EXPECT_TRUE(QIcon::hasThemeIcon(toQt(tool->icon)))
-                << tool->number << " " << tool->icon;
+            EXPECT_TRUE(QIcon::hasThemeIcon(toQt(tool->icon))) << tool->number << " " << tool->icon;
         }
     }
 }

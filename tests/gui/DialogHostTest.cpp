@@ -69,7 +69,8 @@ TEST(DialogHost, EnterTakesTheDialogAndEscapeLeavesIt) {
         Qt::Key key;
         bool accepted;
     };
-    for (const Row& row : {Row{"Enter", Qt::Key_Return, true}, Row{"Escape", Qt::Key_Escape, false}}) {
+    for (const Row& row :
+         {Row{"Enter", Qt::Key_Return, true}, Row{"Escape", Qt::Key_Escape, false}}) {
         QtDialogHost host;
         NameDialog dialog;
         whenModal<QDialog>([&](QDialog& window) {
@@ -126,7 +127,9 @@ TEST(DialogHost, MessagesAnswer) {
         {"EscapeNo", {"t", "T", Icon::Question, Buttons::YesNo}, 0, Answer::No},
         {"EscapeCancel", {"t", "T", Icon::None, Buttons::YesNoCancel}, 0, Answer::Cancel},
         {"EnterYes", {"t", "T", Icon::None, Buttons::YesNoCancel}, -1, Answer::Yes},
-        {"Cancel", {"t", "T", Icon::Exclamation, Buttons::OkCancel}, QMessageBox::Cancel,
+        {"Cancel",
+         {"t", "T", Icon::Exclamation, Buttons::OkCancel},
+         QMessageBox::Cancel,
          Answer::Cancel},
     };
     for (const Row& row : rows) {
@@ -161,8 +164,8 @@ TEST(DialogHost, SavingAddsTheExtensionAndGivesBackslashes) {
         name->setText("My Shop");
         QTest::keyClick(name, Qt::Key_Return);
     });
-    const std::string chosen = host.SaveFile({"Save Project As", "Projects (*.pwp)|*.pwp",
-                                              fromNativeQt(folder.filePath("Old")), "pwp"});
+    const std::string chosen = host.SaveFile(
+        {"Save Project As", "Projects (*.pwp)|*.pwp", fromNativeQt(folder.filePath("Old")), "pwp"});
     EXPECT_EQ(chosen, fromNativeQt(folder.filePath("My Shop.pwp")));
     EXPECT_EQ(chosen.find('/'), std::string::npos);
 }
@@ -181,9 +184,8 @@ TEST(DialogHost, OpeningTakesExistingFilesAndMayBeCancelled) {
     EXPECT_EQ(host.OpenFile(question), fromNativeQt(folder.filePath("a.pwp")));
     whenModal<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
     EXPECT_EQ(host.OpenFile(question), "");
-    whenModal<QFileDialog>([](QFileDialog& dialog) {
-        static_cast<QDialog&>(dialog).done(QDialog::Accepted);
-    });
+    whenModal<QFileDialog>(
+        [](QFileDialog& dialog) { static_cast<QDialog&>(dialog).done(QDialog::Accepted); });
     EXPECT_EQ(host.BrowseFolder("Folder", fromNativeQt(folder.path())),
               fromNativeQt(folder.path()));
 }

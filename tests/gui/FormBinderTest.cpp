@@ -60,7 +60,8 @@ TEST(Forms, AllLoadAndNameTheirWidgetsOnce) {
         for (const QWidget* widget : form->findChildren<QWidget*>()) {
             const QString child = widget->objectName();
             if (child.isEmpty() || child.startsWith(u"qt_")) continue;
-            EXPECT_FALSE(names.contains(child)) << name.toStdString() << ": " << child.toStdString();
+            EXPECT_FALSE(names.contains(child))
+                << name.toStdString() << ": " << child.toStdString();
             names << child;
         }
         for (const QLabel* label : form->findChildren<QLabel*>()) {
@@ -359,8 +360,8 @@ struct TreeTest : FormBinderTest {
         tree.Add(parent, node);
     }
     QModelIndex at(const char* text) {
-        const auto found = view->model()->match(view->model()->index(0, 0), Qt::DisplayRole,
-                                                text, 1, Qt::MatchExactly | Qt::MatchRecursive);
+        const auto found = view->model()->match(view->model()->index(0, 0), Qt::DisplayRole, text,
+                                                1, Qt::MatchExactly | Qt::MatchRecursive);
         return found.isEmpty() ? QModelIndex() : found.first();
     }
 };
@@ -423,7 +424,8 @@ TEST_F(TreeTest, RightButtonTellsPressAndRelease) {
 
 TEST_F(TreeTest, NothingIsReadWhileItIsFilledAnew) {
     add("", "site", true);
-    for (int i = 0; i < 20; ++i) add("site", "old" + std::to_string(i));
+    for (int i = 0; i < 20; ++i)
+        add("site", "old" + std::to_string(i));
     const auto binder = bind();
     QTest::qWait(1);
     tree.BeginUpdate();
@@ -445,7 +447,8 @@ TEST_F(TreeTest, TenThousandNodesStayQuick) {
     QElapsedTimer timer;
     timer.start();
     tree.BeginUpdate();
-    for (int i = 0; i < 10000; ++i) add("site", "page" + std::to_string(i));
+    for (int i = 0; i < 10000; ++i)
+        add("site", "page" + std::to_string(i));
     tree.EndUpdate();
     QTest::qWait(1);
     for (int i = 0; i < 200; ++i) {

@@ -34,17 +34,18 @@ struct ShownProgram {
         EXPECT_TRUE(SetRegText(*outer.hive, "General", "User E-mail", "ann@example.org"));
         EXPECT_TRUE(SetRegNumber(*outer.hive, "Other", "Skill Level", 2));
         Places places = outer.frame.places;
-        places.programFolder = GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
+        places.programFolder =
+            GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
         ProgramParts parts;
         parts.makeWindow = [this]() -> MainWindowSurface& { return window; };
         parts.bindWindow = [this](frmMDIMain& controls) {
             window.bind(controls, controls.barMain, {});
         };
         const FrameContext& frame = outer.frame;
-        program = std::make_unique<Program>(
-            World{frame.files, frame.hive, frame.clock, frame.system, loop, frame.dialogs,
-                  frame.clipboard, frame.launcher},
-            places, std::move(parts));
+        program =
+            std::make_unique<Program>(World{frame.files, frame.hive, frame.clock, frame.system,
+                                            loop, frame.dialogs, frame.clipboard, frame.launcher},
+                                      places, std::move(parts));
         EXPECT_EQ(program->Start(file), StartupResult::Running);
         window.showNormal();
         window.resize(1200, 800);
@@ -76,7 +77,8 @@ struct ShownProgram {
 
 class Album {
   public:
-    Album(QString folder, QString scheme) : folder_(std::move(folder)), scheme_(std::move(scheme)) {}
+    Album(QString folder, QString scheme)
+        : folder_(std::move(folder)), scheme_(std::move(scheme)) {}
     void keep(QWidget& window, const QString& name) const {
         window.show();
         QTest::qWait(150);
@@ -90,7 +92,8 @@ class Album {
 };
 
 void keepMainWindow(const Album& album) {
-    const std::string data = GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
+    const std::string data =
+        GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
     ShownProgram shown(data + "\\example\\index.html");
     MainWindow& window = shown.window;
     album.keep(window, "normal");

@@ -52,10 +52,14 @@ TEST_F(SourceViewTest, OffsetsAreBytesWithLongLineEnds) {
         std::size_t length;
         const char* selected;
     };
-    const std::string text = "\xC3\xA4" "b\r\n\xF0\x9F\x98\x80" "c\r\nd";
+    const std::string text =
+        "\xC3\xA4"
+        "b\r\n\xF0\x9F\x98\x80"
+        "c\r\nd";
     view.SetText(text, colors);
-    for (const Row& row : {Row{"first line", 2, 1, "b"}, Row{"second line", 5, 4, "\xF0\x9F\x98\x80"},
-                           Row{"over the end", 9, 4, "c\r\nd"}, Row{"all", 0, 13, text.c_str()}}) {
+    for (const Row& row :
+         {Row{"first line", 2, 1, "b"}, Row{"second line", 5, 4, "\xF0\x9F\x98\x80"},
+          Row{"over the end", 9, 4, "c\r\nd"}, Row{"all", 0, 13, text.c_str()}}) {
         view.Select(row.start, row.length);
         EXPECT_EQ(view.SelStart(), row.start) << row.name;
         EXPECT_EQ(view.SelLength(), row.length) << row.name;
@@ -63,7 +67,9 @@ TEST_F(SourceViewTest, OffsetsAreBytesWithLongLineEnds) {
     }
     view.Select(2, 1);
     view.ReplaceSelection("x\r\ny");
-    EXPECT_EQ(view.Text(), "\xC3\xA4x\r\ny\r\n\xF0\x9F\x98\x80" "c\r\nd");
+    EXPECT_EQ(view.Text(),
+              "\xC3\xA4x\r\ny\r\n\xF0\x9F\x98\x80"
+              "c\r\nd");
     view.Undo();
     EXPECT_EQ(view.Text(), text);
     EXPECT_TRUE(view.CanRedo());
@@ -124,7 +130,8 @@ TEST_F(SourceViewTest, TextStaysReadableOnAnyBackground) {
 
 TEST_F(SourceViewTest, AMegabyteOpensWithoutAPause) {
     std::string text;
-    while (text.size() < 1'000'000) text += "<p class=\"a\">some text <b>bold</b> &amp; more</p>\r\n";
+    while (text.size() < 1'000'000)
+        text += "<p class=\"a\">some text <b>bold</b> &amp; more</p>\r\n";
     QElapsedTimer timer;
     timer.start();
     view.SetText(text, colors);
@@ -141,7 +148,8 @@ TEST_F(SourceViewTest, AMegabyteOpensWithoutAPause) {
 
 TEST_F(SourceViewTest, ALineOfAMegabyteIsSurvived) {
     std::string text;
-    while (text.size() < 1'000'000) text += "<p class=\"a\">some text <b>bold</b> more</p>";
+    while (text.size() < 1'000'000)
+        text += "<p class=\"a\">some text <b>bold</b> more</p>";
     QElapsedTimer timer;
     timer.start();
     view.SetText(text, colors);

@@ -1,11 +1,11 @@
 // Runs the tests that need real widgets and the real browser view.
-#include <QApplication>
 #include <gtest/gtest.h>
 #include <unistd.h>
+#include <QApplication>
 
 int main(int argc, char** argv) {
-    // The browser engine refuses its sandbox to the superuser. Tests may run as such in a container;
-    // the program itself never does this for anybody.
+    // The browser engine refuses its sandbox to the superuser. Tests may run as such in a
+    // container; the program itself never does this for anybody.
     if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);

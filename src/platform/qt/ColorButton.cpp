@@ -48,8 +48,8 @@ void ColorButton::paintEvent(QPaintEvent*) {
     painter.setPen(palette().color(QPalette::Mid));
     painter.setBrush(fill);
     painter.drawRect(swatch.adjusted(0, 0, -1, -1));
-    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled,
-                                   QPalette::ButtonText));
+    painter.setPen(
+        palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::ButtonText));
     painter.drawText(rect().adjusted(swatch.right() + 8, 0, -4, 0),
                      Qt::AlignVCenter | Qt::AlignLeft, toQColor(color_).name().toUpper());
 }

@@ -125,7 +125,10 @@ void CommandBarView::showTool(const Tool& tool) {
             combo->setProperty("items", items);
         }
         combo->setCurrentIndex(combo->findText(toQt(tool.text), Qt::MatchFixedString));
-        if (combo->isEditable()) combo->setEditText(toQt(tool.text));
+        if (combo->isEditable()) {
+            combo->setEditText(toQt(tool.text));
+            combo->lineEdit()->setCursorPosition(0);
+        }
         combo->setEnabled(bar_.IsEnabled(tool.number));
     }
     QAction* shown = action(tool.number);
@@ -272,8 +275,9 @@ QComboBox* CommandBarView::makeComboBox(const Tool& tool, QToolBar& parent) {
     combo->setObjectName(QStringLiteral("tool_%1").arg(number));
     combo->setEditable(tool.editable);
     combo->setInsertPolicy(QComboBox::NoInsert);
-    combo->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-    combo->setMinimumContentsLength(4);
+    // The lists come later, and a toolbar that moves is a nuisance.
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(tool.editable ? 14 : 8);
     combo->setMaxVisibleItems(20);
     combo->setProperty(numberProperty, number);
     combo->installEventFilter(this);
@@ -332,10 +336,10 @@ void CommandBarView::BandChanged(const Band& band) {
     if (QToolBar* changed = toolBar(band.name)) {
         QList<int> shown;
         for (const QAction* action : changed->actions()) {
-            shown << (action->isSeparator() ? 0 : changed->widgetForAction(
-                                                              const_cast<QAction*>(action))
-                                                      ->property(numberProperty)
-                                                      .toInt());
+            shown << (action->isSeparator() ? 0
+                                            : changed->widgetForAction(const_cast<QAction*>(action))
+                                                  ->property(numberProperty)
+                                                  .toInt());
         }
         QList<int> wanted;
         for (const BandItem& item : band.items)

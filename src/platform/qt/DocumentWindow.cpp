@@ -55,8 +55,8 @@ DocumentWindow::DocumentWindow(QMdiArea& area, const EditorFactory& editors)
     }
     source_ = new SourceView(views_);
     preview_ = new PreviewView(views_);
-    for (QWidget* view : {editor_.widget, static_cast<QWidget*>(source_),
-                          static_cast<QWidget*>(preview_)}) {
+    for (QWidget* view :
+         {editor_.widget, static_cast<QWidget*>(source_), static_cast<QWidget*>(preview_)}) {
         views_->addWidget(view);
     }
     tabs_ = new QTabBar(content);

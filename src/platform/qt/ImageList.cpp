@@ -16,27 +16,27 @@ constexpr ListedImage images[] = {
     {6, "view-split-left-right"},  // frame page
     {7, "folder"},
     {8, "folder-open"},
-    {9, "mail-attachment"},    // attachment
-    {10, "go-home"},           // default page
-    {11, "view-task"},         // task
-    {12, "task-complete"},     // finished task
-    {20, "code-variable"},     // merge variable
-    {21, "plugins"},           // object
-    {23, "text-html"},         // body
-    {24, "bookmarks"},         // bookmark
-    {25, "edit-comment"},      // comment
-    {27, "draw-rectangle"},    // division, span
-    {28, "view-form"},         // form
-    {29, "insert-button"},     // button
-    {30, "dialog-question"},   // open question
-    {31, "checkbox"},          // check box
-    {32, "view-hidden"},       // hidden field
-    {33, "view-list-text"},    // list box
-    {34, "choice-round"},      // option button
-    {35, "text-field"},        // text box
-    {36, "text-field-framed"}, // scrolling text box
-    {37, "password-show-off"}, // password
-    {38, "view-left-close"},   // frame
+    {9, "mail-attachment"},     // attachment
+    {10, "go-home"},            // default page
+    {11, "view-task"},          // task
+    {12, "task-complete"},      // finished task
+    {20, "code-variable"},      // merge variable
+    {21, "plugins"},            // object
+    {23, "text-html"},          // body
+    {24, "bookmarks"},          // bookmark
+    {25, "edit-comment"},       // comment
+    {27, "draw-rectangle"},     // division, span
+    {28, "view-form"},          // form
+    {29, "insert-button"},      // button
+    {30, "dialog-question"},    // open question
+    {31, "checkbox"},           // check box
+    {32, "view-hidden"},        // hidden field
+    {33, "view-list-text"},     // list box
+    {34, "choice-round"},       // option button
+    {35, "text-field"},         // text box
+    {36, "text-field-framed"},  // scrolling text box
+    {37, "password-show-off"},  // password
+    {38, "view-left-close"},    // frame
     {39, "view-split-left-right"},
     {41, "insert-image"},
     {42, "application-x-java-archive"},

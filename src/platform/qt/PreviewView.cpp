@@ -18,6 +18,12 @@ namespace {
 /** What the browser's own way of showing a text takes at most, once it is encoded. */
 constexpr qsizetype largestDirect = 600'000;
 
+/** The program's base is a folder with backslashes, or an address. */
+QUrl baseAddress(const std::string& base) {
+    if (!base.starts_with('\\')) return QUrl(toQt(base));
+    return QUrl::fromLocalFile(toNativeQt(base));
+}
+
 }  // namespace
 
 class PreviewView::Page : public QWebEnginePage {
@@ -64,7 +70,7 @@ QWebEngineView& PreviewView::view() {
 
 void PreviewView::showHtml(const std::string& html, const std::string& baseUrl) {
     const QString text = toQt(html);
-    const QUrl base(toQt(baseUrl));
+    const QUrl base = baseAddress(baseUrl);
     loading_ = true;
     if (text.size() <= largestDirect) {
         view().setHtml(text, base);

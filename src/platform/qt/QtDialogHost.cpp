@@ -127,8 +127,7 @@ QStringList nameFilters(const std::string& filter) {
         QString text = parts[i];
         const qsizetype bracket = text.lastIndexOf(QLatin1Char('('));
         if (bracket > 0 && text.endsWith(QLatin1Char(')'))) text.truncate(bracket);
-        filters << text.trimmed() + QStringLiteral(" (") + patterns.simplified() +
-                       QLatin1Char(')');
+        filters << text.trimmed() + QStringLiteral(" (") + patterns.simplified() + QLatin1Char(')');
     }
     return filters;
 }

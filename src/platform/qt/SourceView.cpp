@@ -218,7 +218,8 @@ void SourceView::paintEvent(QPaintEvent* event) {
 
 int SourceView::lineNumberWidth() const {
     int digits = 3;
-    for (int count = blockCount(); count >= 1000; count /= 10) ++digits;
+    for (int count = blockCount(); count >= 1000; count /= 10)
+        ++digits;
     return 16 + fontMetrics().horizontalAdvance(QLatin1Char('9')) * digits;
 }
 

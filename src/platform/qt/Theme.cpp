@@ -1,6 +1,10 @@
 #include "platform/qt/Theme.h"
 
 #include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QEvent>
 #include <QIcon>
 #include <QPalette>
@@ -10,6 +14,13 @@
 namespace pw {
 
 namespace {
+
+// Where a desktop tells whether it is dark, when no plug-in of Qt's knows that desktop.
+const QString portalService = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString portalPath = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString settingsInterface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString appearance = QStringLiteral("org.freedesktop.appearance");
+const QString colorScheme = QStringLiteral("color-scheme");
 
 QPalette darkPalette() {
     QPalette palette;
@@ -46,28 +57,64 @@ QPalette darkPalette() {
 /** Without a desktop Qt looks for icons in its own resources alone. */
 void searchSystemIcons() {
     QStringList folders = QIcon::themeSearchPaths();
-    for (const QString& data : QStandardPaths::standardLocations(
-             QStandardPaths::GenericDataLocation)) {
+    for (const QString& data :
+         QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation)) {
         const QString icons = data + QStringLiteral("/icons");
         if (!folders.contains(icons)) folders << icons;
     }
     QIcon::setThemeSearchPaths(folders);
 }
 
-/** A name that every full theme has. */
-const QString probe = QStringLiteral("document-new");
+/** True when the desktop's theme has what our commands need, beyond what every theme has: a window
+ *  with the pictures of two themes looks like neither. */
+bool desktopIconsSuffice() {
+    for (const char* name : {"document-new", "view-sidetree", "format-text-code",
+                             "edit-table-insert-row-below", "object-order-raise"}) {
+        if (!QIcon::hasThemeIcon(QString::fromLatin1(name))) return false;
+    }
+    return true;
+}
 
 }  // namespace
 
 Theme::Theme(QApplication& application, ColorScheme scheme)
     : QObject(&application), application_(application) {
     searchSystemIcons();
-    ownIcons_ = QIcon::themeName().isEmpty() || QIcon::themeName() == QLatin1String("hicolor") ||
-                !QIcon::hasThemeIcon(probe);
-    // What another theme lacks comes from this one.
-    QIcon::setFallbackThemeName(QStringLiteral("breeze"));
+    ownIcons_ = !desktopIconsSuffice();
     application.installEventFilter(this);
     setScheme(scheme);
+    if (scheme == ColorScheme::AsDesktop && !isDark()) askDesktop();
+}
+
+void Theme::askDesktop() {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) return;
+    // Not waited for: the desktop may have to start the service first.
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(portalService, portalPath, settingsInterface, "Read");
+    question << appearance << colorScheme;
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const QDBusPendingReply<QDBusVariant> reply = *watcher;
+        if (!reply.isError()) desktopAnswered(reply.value().variant());
+        watcher->deleteLater();
+    });
+    bus.connect(portalService, portalPath, settingsInterface, "SettingChanged", this,
+                SLOT(desktopChanged(QString, QString, QDBusVariant)));
+}
+
+void Theme::desktopChanged(const QString& group, const QString& name, const QDBusVariant& value) {
+    if (group == appearance && name == colorScheme) desktopAnswered(value.variant());
+}
+
+void Theme::desktopAnswered(QVariant value) {
+    // "Read" wraps its answer twice.
+    while (value.userType() == qMetaTypeId<QDBusVariant>()) {
+        value = value.value<QDBusVariant>().variant();
+    }
+    constexpr uint prefersDark = 1;
+    const bool dark = value.toUInt() == prefersDark;
+    if (dark != isDark()) setScheme(dark ? ColorScheme::Dark : ColorScheme::Light);
 }
 
 bool Theme::isDark() {
@@ -79,9 +126,8 @@ bool Theme::isDark() {
 void Theme::setScheme(ColorScheme scheme) {
     if (scheme != ColorScheme::AsDesktop) {
         application_.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-        application_.setPalette(scheme == ColorScheme::Dark
-                                    ? darkPalette()
-                                    : application_.style()->standardPalette());
+        application_.setPalette(
+            scheme == ColorScheme::Dark ? darkPalette() : application_.style()->standardPalette());
     }
     chooseIcons();
 }

@@ -1,4 +1,5 @@
 #pragma once
+#include <QDBusVariant>
 #include <QObject>
 
 class QApplication;
@@ -19,7 +20,12 @@ class Theme : public QObject {
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
+  private slots:
+    void desktopChanged(const QString& group, const QString& name, const QDBusVariant& value);
+
   private:
+    void askDesktop();
+    void desktopAnswered(QVariant value);
     void chooseIcons();
     QApplication& application_;
     bool ownIcons_ = false;  ///< the desktop named no icon theme, or one that is not there

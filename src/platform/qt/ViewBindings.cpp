@@ -126,7 +126,8 @@ class ListBinding : public ViewBinding<ListView> {
         if (aspect == Aspect::Items && !due_) {
             // Rows that come one by one are shown together.
             due_ = true;
-            QMetaObject::invokeMethod(this, [this] { refresh(); }, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(
+                this, [this] { refresh(); }, Qt::QueuedConnection);
         }
         if (aspect == Aspect::Selection) showSelection();
     }
@@ -204,12 +205,10 @@ class TreeBinding : public ViewBinding<TreeView> {
         connect(&nodes_, &TreeModel::nodeRemoved, this, [this] { showSelection(); });
         connect(&nodes_, &TreeModel::nodeChanged, this, &TreeBinding::showExpanded);
         connect(&nodes_, &TreeModel::nodeSelected, this, [this] { showSelection(); });
-        connect(&tree_, &QTreeView::expanded, this, [this](const QModelIndex& index) {
-            userExpands(index, true);
-        });
-        connect(&tree_, &QTreeView::collapsed, this, [this](const QModelIndex& index) {
-            userExpands(index, false);
-        });
+        connect(&tree_, &QTreeView::expanded, this,
+                [this](const QModelIndex& index) { userExpands(index, true); });
+        connect(&tree_, &QTreeView::collapsed, this,
+                [this](const QModelIndex& index) { userExpands(index, false); });
         followSelection();
         showAllNodes();
     }

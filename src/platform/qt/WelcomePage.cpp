@@ -34,9 +34,10 @@ WelcomePage::WelcomePage(QWidget* parent) : QWidget(parent) {
     large.setPointSizeF(large.pointSizeF() * 2.0);
     large.setWeight(QFont::Light);
     heading->setFont(large);
-    subtitle_ = new QLabel(tr("Make a web site as easily as a letter: start a new project, or go on "
-                              "with one of yours."),
-                           this);
+    subtitle_ =
+        new QLabel(tr("Make a web site as easily as a letter: start a new project, or go on "
+                      "with one of yours."),
+                   this);
     subtitle_->setWordWrap(true);
 
     auto* create = makeButton(tr("&New Project"), "document-new", this);
