@@ -202,7 +202,8 @@ TEST_F(CliTest, TidiesUpWhenItIsInterrupted) {
     ASSERT_EQ(Cli({"new", project}).code, 0);
     for (int i = 0; i < 3000; ++i)
         folder.Put("in\\p" + std::to_string(i) + ".html", "<title>x</title>");
-    const std::string line = "timeout -s INT --preserve-status 0.3 " +
+    // In the foreground, since otherwise the signal goes to the group as well: two end the program.
+    const std::string line = "timeout --foreground -s INT --preserve-status 0.3 " +
                              CommandLine({"add", project, Path("in")}) + " 2>&1";
     FILE* pipe = ::popen(line.c_str(), "r");
     char text[200] = {};
