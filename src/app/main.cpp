@@ -18,6 +18,7 @@
 #include "platform/qt/QtDialogHost.h"
 #include "platform/qt/QtMessageLoop.h"
 #include "platform/qt/QtText.h"
+#include "platform/qt/Splash.h"
 #include "platform/qt/Theme.h"
 #include "platform/qt/editor/EditorView.h"
 
@@ -111,6 +112,7 @@ int run(QApplication& application, const Arguments& arguments) {
         dialogs.setHelp(actions.help);
         window->bind(controls, controls.barMain, std::move(actions));
     };
+    parts.makeSplash = [](FrameContext& context) { return std::make_unique<Splash>(context); };
     bool ended = false;
     parts.endProcess = [&ended] {
         ended = true;

@@ -41,6 +41,27 @@ const std::vector<Command>& Commands() {
          1,
          {{"--json", nullptr, kJsonHelp}},
          RunList},
+        {"links",
+         "PROJECT.pwp [--json]",
+         "List the links of all pages and tell whether they stand.",
+         "One link a line: key of the page, its file, the target as written, state, separated by\n"
+         "tabs. A link to a file of the site \"stands\" when the file is there, and one to a\n"
+         "bookmark when the page has it; otherwise it is \"missing\". Addresses of the web and "
+         "the\n"
+         "like are \"not tested\".\n",
+         1,
+         1,
+         {{"--json", nullptr, kJsonHelp}},
+         RunLinks},
+        {"tasks",
+         "PROJECT.pwp [--json]",
+         "List the tasks of a project.",
+         "One task a line: name, priority, status, who is to do it, day by which it is to be\n"
+         "complete, separated by tabs.\n",
+         1,
+         1,
+         {{"--json", nullptr, kJsonHelp}},
+         RunTasks},
         {"info",
          "PROJECT.pwp [--json]",
          "Show the properties of a project.",
@@ -65,14 +86,25 @@ const std::vector<Command>& Commands() {
          kAnyNumber,
          {},
          RunSet},
+        {"variable",
+         "PROJECT.pwp [NAME=VALUE...] [--json]",
+         "List the merge variables, or make and change custom ones.",
+         "Without NAME=VALUE one variable a line: standard or custom, name, value, separated by\n"
+         "tabs. A new value is written into all pages that show it. Standard variables show the\n"
+         "properties of the project, which `set` changes.\n",
+         1,
+         kAnyNumber,
+         {{"--json", nullptr, kJsonHelp}},
+         RunVariable},
         {"rename",
-         "PROJECT.pwp KEY NAME",
-         "Give a folder or a page another name.",
-         "A folder is renamed on disk too, which can break links that lead into it. The name of a\n"
-         "page is its title.\n",
+         "PROJECT.pwp KEY NEWNAME [--title]",
+         "Give the file of a page, or a folder, another name.",
+         "All links in the project that lead to a page follow it. A name without an extension "
+         "gets\n"
+         ".htm. A folder is renamed on disk too, which can break links that lead into it.\n",
          3,
          3,
-         {},
+         {{"--title", nullptr, "change the title of a page and leave its file alone"}},
          RunRename},
         {"remove",
          "PROJECT.pwp KEY...",

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <iostream>
 
+#include "frame/Formatting.h"
 #include "platform/Text.h"
 
 namespace pw::cli {
@@ -51,6 +52,20 @@ JsonObject& JsonObject::AddRaw(std::string_view name, std::string_view value) {
     if (!members_.empty()) members_ += ", ";
     members_.append(JsonText(name)).append(": ").append(value);
     return *this;
+}
+
+std::string DateText(DateTime date) {
+    if (date == 0) return {};
+    const DateParts parts = SplitDate(date);
+    char text[32];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", parts.year, parts.month,
+                  parts.day, parts.hour, parts.minute, parts.second);
+    return text;
+}
+
+std::string DayText(DateTime date) {
+    constexpr std::size_t kDay = 10;  // characters
+    return DateText(date).substr(0, kDay);
 }
 
 void ShowProgress(std::string_view what, int done, int total) {

@@ -1,8 +1,11 @@
 #pragma once
 // What the commands print: plain text and JSON to the standard output, progress to a terminal.
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "platform/SystemInfo.h"
 
 namespace pw::cli {
 
@@ -33,6 +36,29 @@ class JsonObject {
     JsonObject& AddRaw(std::string_view name, std::string_view value);
     std::string members_;
 };
+
+/** Objects one a line, printed as they come. */
+class JsonArray {
+  public:
+    explicit JsonArray(std::ostream& out) : out_(out) { out_ << "["; }
+    ~JsonArray() { out_ << (isEmpty_ ? "]\n" : "\n]\n"); }
+    JsonArray(const JsonArray&) = delete;
+    JsonArray& operator=(const JsonArray&) = delete;
+
+    void Add(const JsonObject& object) {
+        out_ << (isEmpty_ ? "\n  " : ",\n  ") << object.Text();
+        isEmpty_ = false;
+    }
+
+  private:
+    std::ostream& out_;
+    bool isEmpty_ = true;
+};
+
+/** "2026-11-22 21:46:00", which sorts and which scripts can read; "" for no date. */
+std::string DateText(DateTime date);
+/** "2026-11-22". */
+std::string DayText(DateTime date);
 
 /** "What 12 of 244" on one line of a terminal; nothing when the error output is none. */
 void ShowProgress(std::string_view what, int done, int total);

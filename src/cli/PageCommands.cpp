@@ -1,5 +1,6 @@
-// Commands about what a project holds: add, list, cat, rename, remove.
+// Commands about what a project holds: add, list, links, cat, rename, remove.
 #include <iostream>
+#include <optional>
 
 #include "cli/Commands.h"
 #include "cli/Interrupt.h"
@@ -9,6 +10,8 @@
 #include "platform/Text.h"
 #include "project/AddFiles.h"
 #include "project/Folders.h"
+#include "project/LinkList.h"
+#include "project/Links.h"
 #include "project/Pages.h"
 
 namespace pw::cli {
@@ -40,10 +43,9 @@ class Listing {
     Listing(const ProjectContext& context, bool asJson) : context_(context), asJson_(asJson) {}
 
     void Print() {
-        if (asJson_) std::cout << "[";
+        if (asJson_) json_.emplace(std::cout);
         for (WebSite& site : context_.project.WebSites())
             PrintBelow(Container(site));
-        if (asJson_) std::cout << (count_ > 0 ? "\n]\n" : "]\n");
     }
 
   private:
@@ -67,16 +69,16 @@ class Listing {
         JsonObject json;
         json.Add("key", key).Add("kind", kind).Add("file", file).Add("title", title);
         json.Add("default", isDefault);
-        std::cout << (count_++ > 0 ? ",\n  " : "\n  ") << json.Text();
+        json_->Add(json);
     }
 
     const ProjectContext& context_;
     bool asJson_;
-    int count_ = 0;
+    std::optional<JsonArray> json_;
 };
 
-/** A page's name is its title, in the tree and in the page itself. */
-void RenamePage(Session& session, Page& page, const std::string& name) {
+/** In the tree and in the page itself. */
+void SetPageTitle(Session& session, Page& page, const std::string& name) {
     std::string bytes;
     FileSystem& files = session.Files();
     const FileError read = files.Read(page.Filename, bytes);
@@ -89,6 +91,21 @@ void RenamePage(Session& session, Page& page, const std::string& name) {
         throw CommandFailure{"The page can not be written: " + Describe(written) + "."};
     page.Name = page.Title = name;
     session.Project().IsDirty = true;
+}
+
+/** All or nothing: the project is saved when all links could follow. */
+void RenamePageFile(Session& session, Page& page, const std::string& name) {
+    const std::string file = GetExtension(name).empty() ? name + ".htm" : name;
+    std::string reason;
+    const bool isRenamed = RenamePage(session.Context(), page, file, &reason);
+    if (isRenamed && reason.empty()) return;
+    const std::string statement = reason.substr(0, reason.find("\n\n"));
+    throw CommandFailure{isRenamed ? statement + " Nothing was changed." : statement};
+}
+
+const char* StateText(LinkState state) {
+    static constexpr const char* kTexts[] = {"stands", "missing", "not tested"};
+    return kTexts[int(state)];
 }
 
 }  // namespace
@@ -126,6 +143,27 @@ void RunList(const Invocation& invocation) {
     Listing(session.Context(), invocation.arguments.Has("--json")).Print();
 }
 
+void RunLinks(const Invocation& invocation) {
+    Session session(invocation.profile);
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    const auto links = ListLinks(session.Context());
+    std::optional<JsonArray> list;
+    if (invocation.arguments.Has("--json")) list.emplace(std::cout);
+    for (const LinkRecord& link : links) {
+        const std::string& key = link.page->Key();
+        const std::string file = RelativeFile(session.Context(), link.page->Filename);
+        const char* state = StateText(link.state);
+        if (list) {
+            JsonObject json;
+            json.Add("key", key).Add("file", file).Add("target", link.target).Add("state", state);
+            list->Add(json);
+        } else {
+            std::cout << key << "\t" << OneField(file) << "\t" << OneField(link.target) << "\t"
+                      << state << "\n";
+        }
+    }
+}
+
 void RunCat(const Invocation& invocation) {
     Session session(invocation.profile);
     const ProjectItem item = OpenItem(session, invocation, invocation.Rest().front());
@@ -147,7 +185,11 @@ void RunRename(const Invocation& invocation) {
         if (!RenameFolderOnDisk(session.Context(), *item.folder, name, &reason))
             throw CommandFailure{reason};
     } else if (item.page) {
-        RenamePage(session, *item.page, name);
+        if (invocation.arguments.Has("--title")) {
+            SetPageTitle(session, *item.page, name);
+        } else {
+            RenamePageFile(session, *item.page, name);
+        }
     } else {
         throw CommandFailure{"Only folders and pages can be renamed."};
     }

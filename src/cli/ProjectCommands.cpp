@@ -1,4 +1,4 @@
-// Commands about a project as a whole: new, info, set, publish.
+// Commands about a project as a whole: new, info, set, variable, tasks, publish.
 #include <algorithm>
 #include <charconv>
 #include <iostream>
@@ -10,6 +10,7 @@
 #include "platform/Text.h"
 #include "project/MergeVariables.h"
 #include "project/PublishHTML.h"
+#include "project/Tasks.h"
 
 namespace pw::cli {
 
@@ -73,16 +74,6 @@ constexpr Property kProperties[] = {
     Text("ClientVersion", &P::ClientVersion, Access::ReadOnly),
 };
 
-/** "2026-11-22 21:46:00", which sorts and which scripts can read. */
-std::string DateText(DateTime date) {
-    if (date == 0) return {};
-    const DateParts parts = SplitDate(date);
-    char text[32];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", parts.year, parts.month,
-                  parts.day, parts.hour, parts.minute, parts.second);
-    return text;
-}
-
 std::string ValueText(const Project& project, const Property& property) {
     if (property.text) return project.*property.text;
     if (property.number) return std::to_string(project.*property.number);
@@ -114,6 +105,18 @@ bool ReadFlag(const std::string& value, bool& flag) {
     return flag || std::any_of(std::begin(no), std::end(no), is);
 }
 
+struct NamedValue {
+    std::string name;
+    std::string value;
+};
+
+NamedValue SplitAssignment(const std::string& word) {
+    const auto equals = word.find('=');
+    if (equals == word.npos || equals == 0)
+        throw UsageError{"'" + word + "' is not of the form NAME=VALUE."};
+    return {Trim(word.substr(0, equals)), word.substr(equals + 1)};
+}
+
 /** One "NAME=VALUE", checked and ready to be set. */
 struct Assignment {
     const Property* property = nullptr;
@@ -123,12 +126,9 @@ struct Assignment {
 };
 
 Assignment ReadAssignment(const std::string& word) {
-    const auto equals = word.find('=');
-    if (equals == word.npos || equals == 0)
-        throw UsageError{"'" + word + "' is not of the form NAME=VALUE."};
-    const std::string name = word.substr(0, equals);
+    const auto [name, value] = SplitAssignment(word);
     Assignment assignment;
-    assignment.text = word.substr(equals + 1);
+    assignment.text = value;
     const auto at =
         std::find_if(std::begin(kProperties), std::end(kProperties),
                      [&](const Property& property) { return EqualsNoCase(property.name, name); });
@@ -158,6 +158,69 @@ void Assign(Project& project, const Assignment& assignment) {
     if (property.text) project.*property.text = assignment.text;
     if (property.number) project.*property.number = assignment.number;
     if (property.flag) project.*property.flag = assignment.flag;
+}
+
+/** Where the value of a standard variable comes from. */
+struct VariableSource {
+    const char* variable;
+    const char* property;
+};
+constexpr VariableSource kVariableSources[] = {
+    {"Project Name", "Name"},
+    {"Project Description", "Description"},
+    {"Author Name", "AuthorName"},
+    {"Author E-mail", "AuthorEmail"},
+    {"Author Location", "AuthorLocation"},
+    {"Project Version Number", "VersionMajor"},
+    {"Company Name", "CompanyName"},
+    {"Company Tag Line", "CompanyTagLine"},
+    {"Company Street", "CompanyStreet"},
+    {"Company City", "CompanyCity"},
+    {"Company Province/State", "CompanyState"},
+    {"Company Country", "CompanyCountry"},
+    {"Company ZIP/Postal Code", "CompanyPostal"},
+    {"Company Phone", "CompanyPhone"},
+    {"Company Fax", "CompanyFax"},
+    {"Company Web Site", "CompanyWebSite"},
+    {"Company E-mail", "CompanyEmail"},
+};
+
+/** What to do in place of setting a standard variable. */
+std::string WhereToSet(const std::string& variable) {
+    const std::string start = QuoteSingle(variable) + " is a standard variable. ";
+    for (const auto& source : kVariableSources)
+        if (EqualsNoCase(source.variable, variable))
+            return start + "Change the property that it shows: `pagewick-cli set PROJECT.pwp " +
+                   source.property + "=VALUE`.";
+    return start + "The program keeps its value up to date by itself.";
+}
+
+void ListVariables(Project& project, bool asJson) {
+    const auto kindOf = [](const MergeVariable& variable) {
+        return variable.Type == "S" ? "standard" : "custom";
+    };
+    if (!asJson) {
+        for (const MergeVariable& variable : project.MergeVariables())
+            std::cout << kindOf(variable) << "\t" << OneField(variable.Name) << "\t"
+                      << OneField(variable.Value) << "\n";
+        return;
+    }
+    JsonArray list(std::cout);
+    for (const MergeVariable& variable : project.MergeVariables()) {
+        JsonObject json;
+        json.Add("kind", kindOf(variable)).Add("name", variable.Name).Add("value", variable.Value);
+        list.Add(json);
+    }
+}
+
+/** All or nothing: the project file is written when every page could be. */
+void WriteVariablesAndSave(Session& session) {
+    const auto notUpdated =
+        UpdateMergeVariablesInClosedPages(session.Context(), PagesToUpdate::All);
+    if (!notUpdated.empty())
+        throw CommandFailure{"The values can not be written into " + ListOfNames(notUpdated) +
+                             "; nothing was changed."};
+    session.Save();
 }
 
 }  // namespace
@@ -220,9 +283,54 @@ void RunSet(const Invocation& invocation) {
     session.Project().IsDirty = true;
     // Pages show these values.
     UpdateProjectMergeVariables(session.Context());
-    if (!UpdateMergeVariablesInClosedPages(session.Context(), PagesToUpdate::All))
-        throw CommandFailure{"The values can not be written into the pages; nothing was changed."};
-    session.Save();
+    WriteVariablesAndSave(session);
+}
+
+void RunVariable(const Invocation& invocation) {
+    const std::vector<std::string> words = invocation.Rest();
+    std::vector<NamedValue> wanted;
+    for (const auto& word : words)
+        wanted.push_back(SplitAssignment(word));
+    for (const auto& each : wanted)
+        if (IsStandardVariable(each.name)) throw UsageError{WhereToSet(each.name)};
+    Session session(invocation.profile);
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    ProjectContext& context = session.Context();
+    UpdateProjectMergeVariables(context);
+    if (wanted.empty()) {
+        ListVariables(context.project, invocation.arguments.Has("--json"));
+        return;
+    }
+    for (const auto& each : wanted) {
+        const std::string problem = SetCustomVariable(context, each.name, each.value);
+        if (!problem.empty())
+            throw CommandFailure{QuoteSingle(each.name) + " was not set. " + problem};
+    }
+    WriteVariablesAndSave(session);
+}
+
+void RunTasks(const Invocation& invocation) {
+    Session session(invocation.profile);
+    session.Open(PathFromArgument(invocation.ProjectFile()));
+    if (!invocation.arguments.Has("--json")) {
+        for (const Task& task : session.Project().Tasks())
+            std::cout << OneField(task.Name) << "\t" << PriorityText(task.Priority) << "\t"
+                      << StatusText(task.Status) << "\t" << OneField(task.AssignedTo) << "\t"
+                      << DayText(task.CompleteBy) << "\n";
+        return;
+    }
+    JsonArray list(std::cout);
+    for (const Task& task : session.Project().Tasks()) {
+        JsonObject json;
+        json.Add("key", task.Key).Add("name", task.Name).Add("description", task.Description);
+        json.Add("associatedWith", task.AssociatedWith).Add("assignedTo", task.AssignedTo);
+        json.Add("priority", PriorityText(task.Priority)).Add("status", StatusText(task.Status));
+        json.Add("completeBy", DayText(task.CompleteBy));
+        json.Add("publishingDependent", task.PublishingDependent);
+        json.Add("created", DateText(task.Created)).Add("createdBy", task.CreatedBy);
+        json.Add("modified", DateText(task.Modified)).Add("modifiedBy", task.ModifiedBy);
+        list.Add(json);
+    }
 }
 
 void RunPublish(const Invocation& invocation) {

@@ -9,6 +9,7 @@
 #include "frame/Settings.h"
 #include "frame/Startup.h"
 #include "project/Lifecycle.h"
+#include "project/Recovery.h"
 #include "project/References.h"
 #include "project/Scratch.h"
 
@@ -51,6 +52,8 @@ Session::Session(const std::string& profile)
         throw CommandFailure{"No working folder can be made in '" +
                              ToNativePath(places.temporaryFolder) + "'."};
     frame_->runFolder = runFolder_->Path();
+    // What a run that was killed has left.
+    SweepAbandonedRuns(*frame_);
     project_ = std::make_unique<pw::Project>(*files_);
     project_->Initialize(kAccessCode, frame_->version.major, frame_->version.minor);
     project_->ProjectProgressChanged = [](int value) {

@@ -35,13 +35,20 @@ dom::Node* WalkUp(dom::Node* element, std::string_view target) {
 /** Runs `edit` on a page's document; that of a closed page is written back. */
 template <typename Edit>
 bool EditAnyPage(ProjectContext& context, const std::string& key, Edit edit) {
-    const Page* page = context.project.FindPage(key);
+    Page* page = context.project.FindPage(key);
     if (!page) return false;
-    if (dom::Document* open = DocumentOf(context, key)) return edit(*open);
-    if (!FileExists(context.frame.files, page->Filename)) return false;
-    const auto closed = dom::Document::parse(ReadTextFile(context.frame.files, page->Filename));
-    return closed && edit(*closed) &&
-           WriteTextFile(context.frame.files, closed->bytes(), page->Filename);
+    bool done = false;
+    if (dom::Document* open = DocumentOf(context, key)) {
+        done = edit(*open);
+    } else if (FileExists(context.frame.files, page->Filename)) {
+        const auto closed = dom::Document::parse(ReadTextFile(context.frame.files, page->Filename));
+        done = closed && edit(*closed) &&
+               WriteTextFile(context.frame.files, closed->bytes(), page->Filename);
+    }
+    if (!done) return false;
+    page->IsDirty = true;
+    context.project.IsDirty = true;
+    return true;
 }
 
 }  // namespace

@@ -8,6 +8,10 @@ constexpr int kTwipsPerPixel = 15;
 constexpr int kFirstExplorerTool = 209;
 constexpr int kLastExplorerTool = 211;
 
+/** The borders between the panes, by the names of their stored values. */
+constexpr const char* kSplitterValues[] = {"Explorers Width", "Project Explorer Height",
+                                           "Task Explorer Height"};
+
 struct TwipRect {
     int left = 0;
     int top = 0;
@@ -33,6 +37,9 @@ class MainWindowLayout {
     virtual void ShowExplorer(int tool, Visibility visibility) = 0;
     virtual bool IsToolbarVisible(const std::string& name) const = 0;
     virtual void ShowToolbar(const std::string& name, Visibility visibility) = 0;
+    /** Pixels of the pane at a border, by its place in kSplitterValues; 0: as it comes. */
+    virtual int SplitterSize(int index) const = 0;
+    virtual void SetSplitterSize(int index, int size) = 0;
     /** The set of toolbars that belongs to a skill level from 0 to 2. */
     virtual void ShowStandardToolbars(int skillLevel) = 0;
 };

@@ -1,5 +1,7 @@
 #include "frame/Settings.h"
 
+#include <iterator>
+
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "frame/MainWindowLayout.h"
@@ -132,6 +134,7 @@ void ReadSettings(FrameContext& context) {
     Settings& settings = context.settings;
     settings.CampaignCode = root.Text("Campaign Code");
     settings.ClientType = root.Number("Type");
+    settings.NewestVersion = root.Text("Newest Version");
     // COMPAT: `Run Once` is written back as 0, so the three switches that hang on it come up true
     // unless an installer has set it.
     settings.RunOnce = stored.Flag("Run Once");
@@ -171,6 +174,8 @@ void SaveSessionSettings(FrameContext& context, const MainWindowLayout& window) 
             number("App Left", std::max(at.left, 0));
             number("App Top", std::max(at.top, 0));
         }
+        for (int i = 0; i < int(std::size(kSplitterValues)); ++i)
+            number(kSplitterValues[i], window.SplitterSize(i));
         std::int32_t explorers = 0;
         for (int tool = kFirstExplorerTool; tool <= kLastExplorerTool; ++tool)
             explorers |= int(window.IsExplorerShown(tool)) << (tool - kFirstExplorerTool);
@@ -195,6 +200,8 @@ void RestoreWindowState(FrameContext& context, MainWindowLayout& window, ApplyGe
                 window.SetGeometry(at);
             else
                 window.Maximise();
+            for (int i = 0; i < int(std::size(kSplitterValues)); ++i)
+                window.SetSplitterSize(i, stored.Number(kSplitterValues[i]));
         }
         RestoreToolbars(stored, context.settings.SkillLevel, window);
         // Before the first session the window keeps the explorers that it came with.

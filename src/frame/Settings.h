@@ -36,6 +36,7 @@ class Settings {
   public:
     std::string CampaignCode;
     std::int32_t ClientType = 0;
+    std::string NewestVersion;  ///< of the program, as far as it has been told; "" is unknown
 
     bool RunOnce = false;
     bool ShowTips = false;

@@ -249,17 +249,17 @@ const std::vector<BandTable>& Catalogue() {
             {421, "Send to &Back", "object-order-back", "", "Moves an absolutely positioned element behind all others"},
             {422, "B&ring Forward", "object-order-raise", "", "Moves an absolutely positioned element one step forward"},
             {423, "&Send Backward", "object-order-lower", "", "Moves an absolutely positioned element one step backward"},
-            {424, "Behind &Text", "layer-visible-off", "", "Moves an absolutely positioned element behind text"},
-            {425, "Fr&ont of Text", "layer-visible-on", "", "Moves an absolutely positioned element in front of text"},
+            {424, "Behind &Text", "layer-visible-off", "", "Moves an absolutely positioned element behind text", "", Check},
+            {425, "Fr&ont of Text", "layer-visible-on", "", "Moves an absolutely positioned element in front of text", "", Check},
         }},
         {"mnuTable", "T&able", BandKind::Menu, {
             {601, "&Insert Table...", "insert-table", "", "Inserts a table"},
             kLine,
-            {602, "Insert &Row", "edit-table-insert-row-above", "", "Inserts a row above the current one"},
+            {602, "Insert &Row", "edit-table-insert-row-below", "", "Inserts a row below the current one"},
             {603, "Delete R&ow", "edit-table-delete-row", "", "Deletes the current row"},
-            {604, "Insert &Column", "edit-table-insert-column-left", "", "Inserts a column in front of the current one"},
+            {604, "Insert &Column", "edit-table-insert-column-right", "", "Inserts a column to the right of the current one"},
             {605, "Delete Col&umn", "edit-table-delete-column", "", "Deletes the current column"},
-            {606, "Insert Ce&ll", "insertcell", "", "Inserts a cell in front of the current one"},
+            {606, "Insert Ce&ll", "insertcell", "", "Inserts a cell behind the current one"},
             {607, "D&elete Cells", "edit-delete-remove", "", "Deletes the selected cells"},
             kLine,
             {608, "&Merge Cells", "edit-table-cell-merge", "", "Makes one cell of the selected ones"},
@@ -368,6 +368,11 @@ const std::vector<BandTable>& Catalogue() {
             {322, "Insert HTML"},
             {323, "Insert Merge Variables"},
         }},
+        // On no menu: commands for those who know their keys.
+        {"mnuKeys", "", BandKind::Popup, {
+            {110, "Find Next", "go-down-search", "F3", "Finds the next place of the text that was looked for last"},
+            {111, "Find Previous", "go-up-search", "Shift+F3", "Finds the place before of the text that was looked for last"},
+        }},
         {kMenuBar, "", BandKind::Menu, {
             Sub("&File", "mnuFile"),
             Sub("&Edit", "mnuEdit"),
@@ -386,11 +391,21 @@ const std::vector<BandTable>& Catalogue() {
 }
 
 /** Numbers with a working handler, as ranges. What is in none of them is disabled for good. */
+// clang-format off
 constexpr std::pair<int, int> kHandled[] = {
-    {1, 12},    {17, 17},     {19, 19},     {101, 107},   {201, 201},   {205, 205},
-    {207, 211}, {213, 219},   {326, 330},   {401, 415},   {426, 427},   {505, 505},
-    {901, 913}, {1001, 1001}, {1012, 1012}, {1103, 1108}, {1201, 1212},
+    {1, 12}, {17, 19}, {kFirstRecentTool, kLastRecentTool},            // File
+    {101, 111},                                                        // Edit
+    {201, 201}, {203, 205}, {207, 211}, {213, 219},                    // View
+    {323, 323}, {326, 330},                                            // Insert
+    {401, 415}, {418, 427},                                            // Format
+    {504, 505},                                                        // Tools
+    {602, 609},                                                        // Table
+    {901, 904}, {kFirstWindowTool, kMoreWindowsTool},                  // Window
+    {1001, 1002}, {1012, 1012},                                        // Help
+    {1103, 1108},                                                      // the context menu
+    {1201, 1212},                                                      // connections
 };
+// clang-format on
 
 std::string Fill(const char* text, const CatalogueNames& names) {
     const std::string product = ReplaceAll(text, "{product}", names.product);
@@ -444,18 +459,21 @@ void BuildDownloadBand(CommandBar& bar) {
     bar.AddBand(std::move(band));
 }
 
-/** The open pages; they come on the menu when it opens. */
-void AddWindowTools(CommandBar& bar) {
-    for (int number = 905; number <= 914; ++number) {
-        Tool tool;
-        tool.number = number;
-        tool.icon = "text-html";
-        tool.description =
-            number == 914 ? "Shows all page windows" : "Brings this page to the front";
-        tool.checkable = number != 914;
-        tool.enabled = HasHandler(number);
-        bar.AddTool(std::move(tool));
-    }
+/** Tools that come on their menu when it opens. */
+void AddTools(CommandBar& bar, int first, int last, Tool like) {
+    like.enabled = HasHandler(first);
+    for (like.number = first; like.number <= last; ++like.number)
+        bar.AddTool(like);
+}
+
+void AddLateTools(CommandBar& bar) {
+    AddTools(bar, kFirstRecentTool, kLastRecentTool,
+             {.description = "Opens this project", .icon = "project-development"});
+    AddTools(
+        bar, kFirstWindowTool, kLastWindowTool,
+        {.description = "Brings this page to the front", .icon = "text-html", .checkable = true});
+    AddTools(bar, kMoreWindowsTool, kMoreWindowsTool,
+             {.description = "Shows all page windows", .icon = "view-list-text"});
 }
 
 }  // namespace
@@ -464,7 +482,7 @@ void BuildCommandBar(CommandBar& bar, const CatalogueNames& names) {
     for (const BandTable& band : Catalogue())
         BuildBand(bar, band, names);
     BuildDownloadBand(bar);
-    AddWindowTools(bar);
+    AddLateTools(bar);
     bar.SetToolVisible(13, names.publishesToProvider);
     bar.SetToolVisible(1005, !names.provider.empty());
 }

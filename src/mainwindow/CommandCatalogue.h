@@ -15,6 +15,14 @@ constexpr const char* kContextMenu = "mnuContext";
 constexpr const char* kDownloadMenu = "mnuDownload";
 constexpr const char* kDownloadToolTip = "Estimated download time";
 
+/** The projects opened last, on the File menu. */
+constexpr int kFirstRecentTool = 21;
+constexpr int kLastRecentTool = 28;
+/** The open pages on the Window menu, and behind them the list of all. */
+constexpr int kFirstWindowTool = 905;
+constexpr int kLastWindowTool = 913;
+constexpr int kMoreWindowsTool = 914;
+
 /** What of the captions is known at run time only. */
 struct CatalogueNames {
     std::string product;   ///< "Pagewick", or the brand's caption

@@ -6,6 +6,7 @@
 #include "frame/Context.h"
 #include "mainwindow/CommandCatalogue.h"
 #include "mainwindow/Explorers.h"
+#include "mainwindow/Menus.h"
 #include "mainwindow/UIState.h"
 #include "mainwindow/frmDocument.h"
 #include "mainwindow/frmMDIMain.h"
@@ -28,6 +29,7 @@ constexpr Range kRanges[] = {
     {301, 399, "MenuInsert", MenuInsert},
     {401, 499, "MenuFormat", MenuFormat},
     {501, 599, "MenuTools", MenuTools},
+    {601, 699, "MenuTable", MenuTable},
     {901, 999, "MenuWindow", MenuWindow},
     {1001, 1099, "MenuHelp", MenuHelp},
     {1101, 1199, "MenuContext", MenuContext},
@@ -39,8 +41,9 @@ struct Opening {
     void (*prepare)(MainContext& context);
 };
 constexpr Opening kOpenings[] = {
-    {"mnuEdit", SetEditMenu}, {"mnuFormat", SetEditMenu}, {"mnuWindow", SetWindowMenu},
-    {"mnuView", ResetUI},     {"mnuFile", ResetUI},       {"mnuFilePublish", ResetUI},
+    {"mnuEdit", SetEditMenu},     {"mnuFormat", SetEditMenu}, {"mnuTable", SetEditMenu},
+    {"mnuWindow", SetWindowMenu}, {"mnuView", ResetUI},       {"mnuFile", SetFileMenu},
+    {"mnuFilePublish", ResetUI},
 };
 
 void barMain_BandOpen(MainContext& context, const std::string& band) {

@@ -22,6 +22,7 @@ void MenuContextEdit(MainContext& context, int tool);
 void MenuView(MainContext& context, int tool);
 void MenuInsert(MainContext& context, int tool);
 void MenuFormat(MainContext& context, int tool);
+void MenuTable(MainContext& context, int tool);
 void MenuTools(MainContext& context, int tool);
 void MenuWindow(MainContext& context, int tool);
 void MenuHelp(MainContext& context, int tool);

@@ -5,6 +5,7 @@
 #include "frame/Context.h"
 #include "mainwindow/Commands.h"
 #include "mainwindow/Explorers.h"
+#include "mainwindow/Finding.h"
 #include "mainwindow/UIState.h"
 #include "mainwindow/frmDocument.h"
 #include "mainwindow/frmMDIMain.h"
@@ -21,6 +22,8 @@ constexpr int kCopy = 104;
 constexpr int kPaste = 105;
 constexpr int kDelete = 106;
 constexpr int kSelectAll = 107;
+constexpr int kFindNext = 110;
+constexpr int kFindPrevious = 111;
 
 // --- The project explorer -----------------------------------------------------------------------
 
@@ -153,7 +156,12 @@ bool IsOfPane(int tool) {
 
 void MenuEdit(MainContext& context, int tool) {
     const Pane pane = FocusInForce(context);
-    if (pane == Pane::ProjectExplorer && IsOfPane(tool)) {
+    if (tool == frmFindReplace::kFind || tool == frmFindReplace::kReplace) {
+        context.Finder->Open(tool);
+    } else if (tool == kFindNext || tool == kFindPrevious) {
+        using Direction = frmFindReplace::Direction;
+        context.Finder->FindAgain(tool == kFindNext ? Direction::Down : Direction::Up);
+    } else if (pane == Pane::ProjectExplorer && IsOfPane(tool)) {
         EditInProjectExplorer(context, tool);
     } else if (pane == Pane::TaskList && IsOfPane(tool)) {
         EditInTaskList(context, tool);

@@ -1,10 +1,12 @@
 // The File menu and its sub-menus.
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
+#include "mainwindow/CommandCatalogue.h"
 #include "mainwindow/Commands.h"
 #include "mainwindow/Explorers.h"
 #include "mainwindow/RecentProjects.h"
 #include "mainwindow/UIState.h"
+#include "mainwindow/frmDocument.h"
 #include "mainwindow/frmMDIMain.h"
 #include "platform/Text.h"
 #include "project/Folders.h"
@@ -49,9 +51,7 @@ void EditProjectProperties(MainContext& context) {
     context.frame.dialogs.ShowModal(dialog);
     if (!dialog.Confirmed()) return;
     UpdateProjectMergeVariables(context.project);
-    UpdateMergeVariablesInOpenPages(context.project);
-    static_cast<void>(
-        UpdateMergeVariablesInClosedPages(context.project, PagesToUpdate::ClosedOnly));
+    UpdateMergeVariablesInAllPages(context.project, dialog.Title());
     RefillProjectExplorer(context);
     context.window.RefreshCaption();
 }
@@ -59,12 +59,42 @@ void EditProjectProperties(MainContext& context) {
 void OpenChosenProject(MainContext& context, const std::string& path) {
     Trap(context.frame.errorLog, "MDIMain.", "OpenChosenProject", [&] {
         if (context.model.Busy()) return;
+        if (!FileExists(context.frame.files, path)) {
+            RemoveRecentProject(context.frame, path);
+            context.frame.dialogs.MsgBox(
+                {"The project '" + ToNativePath(path) +
+                     "' is not there any more, and was taken off the list.\n\nIf it was moved, "
+                     "please open it from its new place.",
+                 context.frame.brand.FormCaption(), Icon::Exclamation, Buttons::Ok});
+            return;
+        }
         const std::string title = context.barMain.Caption(6);
         if (!MayGiveUpProject(context.project, GivingUp::ForOpening, title)) return;
         if (OpenProject(context.project, path, Silent::No)) AddRecentProject(context.frame, path);
         ResetUI(context);
     });
 }
+
+namespace {
+
+void PrintPage(MainContext& context) {
+    frmDocument* document = context.CurrentDocument();
+    if (!document || document->Print()) return;
+    context.frame.dialogs.MsgBox(
+        {"The page can not be printed.\n\nPlease check that the printer is switched on and has "
+         "paper or, for a PDF file, that it may be written and there is room on the disk, and "
+         "print "
+         "again.",
+         context.frame.brand.FormCaption(), Icon::Exclamation, Buttons::Ok});
+}
+
+void OpenRecentProject(MainContext& context, int tool) {
+    const std::vector<std::string> paths = ListedProjects(context.frame);
+    const auto place = std::size_t(tool - kFirstRecentTool);
+    if (place < paths.size()) OpenChosenProject(context, paths[place]);
+}
+
+}  // namespace
 
 void InsertNewPage(MainContext& context) {
     const std::string selected = context.window.SelectedProjectNode();
@@ -86,6 +116,8 @@ void InsertNewPage(MainContext& context) {
 }
 
 void MenuFile(MainContext& context, int tool) {
+    if (tool >= kFirstRecentTool && tool <= kLastRecentTool)
+        return OpenRecentProject(context, tool);
     switch (tool) {
         case 2:
             InsertNewPage(context);
@@ -122,6 +154,9 @@ void MenuFile(MainContext& context, int tool) {
             break;
         case 17:
             MenuFilePublish(context, tool);
+            break;
+        case 18:
+            PrintPage(context);
             break;
         case 19:
             context.window.Surface().Close();

@@ -1,9 +1,10 @@
-// The Insert and Format menus.
+// The Insert, Format and Table menus.
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 #include "editing/ElementRecognition.h"
+#include "editing/frmVariables.h"
+#include "frame/Colors.h"
 #include "frame/Context.h"
 #include "mainwindow/Commands.h"
 #include "mainwindow/UIState.h"
@@ -64,14 +65,6 @@ Argument SizeArgument(MainContext& context, int tool) {
     return std::to_string(index);
 }
 
-/** Pages write colours as "#rrggbb". */
-std::string HtmlColor(Color color) {
-    char text[8];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", color & 0xFF, color >> 8 & 0xFF,
-                  color >> 16 & 0xFF);
-    return text;
-}
-
 Argument ColorArgument(MainContext& context, int tool) {
     const char* title = tool == 407 ? "Text Foreground Color" : "Text Background Color";
     const std::optional<Color> color =
@@ -101,6 +94,14 @@ constexpr FormatCommand kFormatCommands[] = {
     {413, DECMD_ORDERLIST, NoArgument, nullptr},
     {414, DECMD_OUTDENT, NoArgument, nullptr},
     {415, DECMD_INDENT, NoArgument, nullptr},
+    {418, DECMD_MAKE_ABSOLUTE, NoArgument, nullptr},
+    {419, DECMD_LOCK_ELEMENT, NoArgument, nullptr},
+    {420, DECMD_BRING_TO_FRONT, NoArgument, nullptr},
+    {421, DECMD_SEND_TO_BACK, NoArgument, nullptr},
+    {422, DECMD_BRING_FORWARD, NoArgument, nullptr},
+    {423, DECMD_SEND_BACKWARD, NoArgument, nullptr},
+    {424, DECMD_SEND_BELOW_TEXT, NoArgument, nullptr},
+    {425, DECMD_BRING_ABOVE_TEXT, NoArgument, nullptr},
     {426, DECMD_REMOVEFORMAT, NoArgument, nullptr},
     {427, DECMD_UNLINK, NoArgument, nullptr},
 };
@@ -114,6 +115,18 @@ bool AlignTable(MainContext& context, frmDocument& document, const FormatCommand
     return true;
 }
 
+// --- Table --------------------------------------------------------------------------------------
+
+struct TableTool {
+    int tool;
+    int command;
+};
+constexpr TableTool kTableTools[] = {
+    {602, DECMD_INSERTROW},  {603, DECMD_DELETEROWS}, {604, DECMD_INSERTCOL},
+    {605, DECMD_DELETECOLS}, {606, DECMD_INSERTCELL}, {607, DECMD_DELETECELLS},
+    {608, DECMD_MERGECELLS}, {609, DECMD_SPLITCELL},
+};
+
 bool IsOff(CommandState state) {
     return state == CommandState::NotSupported || state == CommandState::Disabled;
 }
@@ -124,6 +137,10 @@ void MenuInsert(MainContext& context, int tool) {
     frmDocument* document = DocumentInNormalView(context);
     if (!document) return;
     context.ElementDialogMode = DialogMode::Insert;
+    if (tool == 323) {
+        frmVariables dialog(context.project);
+        context.frame.dialogs.ShowModal(dialog);
+    }
     for (const LineBreak& lineBreak : kLineBreaks) {
         if (lineBreak.tool != tool) continue;
         InsertHTMLAtCursor(context.project, document->PageKey(), lineBreak.html);
@@ -145,6 +162,17 @@ void MenuFormat(MainContext& context, int tool) {
         if (!argument) return;
         editor.ExecCommand(format->command, *argument);
     }
+    UpdateDocumentUI(context, document->PageKey());
+}
+
+void MenuTable(MainContext& context, int tool) {
+    frmDocument* document = DocumentInNormalView(context);
+    if (!document) return;
+    context.ElementDialogMode = DialogMode::Insert;
+    for (const TableTool& each : kTableTools) {
+        if (each.tool == tool) document->docDHTMLEditor.ExecCommand(each.command);
+    }
+    document->docDHTMLEditor_DisplayChanged();
     UpdateDocumentUI(context, document->PageKey());
 }
 

@@ -9,6 +9,8 @@
 #include "mainwindow/frmDocument.h"
 #include "mainwindow/frmMDIMain.h"
 #include "mainwindow/frmOptions.h"
+#include "mainwindow/frmTip.h"
+#include "mainwindow/frmWindows.h"
 #include "project/Lifecycle.h"
 #include "project/Pages.h"
 
@@ -29,6 +31,19 @@ void PreviewInBrowser(MainContext& context, const std::string& browser) {
     }
 }
 
+void ToggleMarks(HtmlEditor& editor, int tool) {
+    if (tool == 203) editor.SetShowBorders(!editor.ShowBorders());
+    if (tool == 204) editor.SetShowDetails(!editor.ShowDetails());
+}
+
+void ToggleSnapToGrid(MainContext& context) {
+    frmDocument* document = context.CurrentDocument();
+    if (!document) return;
+    HtmlEditor& editor = document->docDHTMLEditor;
+    editor.SetSnapToGridOn(!editor.SnapToGrid());
+    ResetUI(context);
+}
+
 void ToggleToolbar(MainContext& context, int tool) {
     const std::string toolbar = ToolbarOfCommand(tool);
     const Band* band = context.barMain.FindBand(toolbar);
@@ -45,6 +60,13 @@ void MenuView(MainContext& context, int tool) {
     switch (tool) {
         case 201:
             ShowPropertiesDialog(context);
+            break;
+        case 203:
+        case 204:
+            if (document && document->State() == View::Normal) {
+                ToggleMarks(document->docDHTMLEditor, tool);
+                UpdateDocumentUI(context, document->PageKey());
+            }
             break;
         case 205:
             if (document && document->State() == View::Preview) document->ReloadFrames();
@@ -68,13 +90,13 @@ void MenuView(MainContext& context, int tool) {
 }
 
 void MenuTools(MainContext& context, int tool) {
+    if (tool == 504) ToggleSnapToGrid(context);
     if (tool != 505) return;
     frmOptions dialog(context);
     context.frame.dialogs.ShowModal(dialog);
 }
 
 void MenuWindow(MainContext& context, int tool) {
-    constexpr int kFirstWindow = 905;
     MainWindowSurface& surface = context.window.Surface();
     switch (tool) {
         case 901:
@@ -89,12 +111,15 @@ void MenuWindow(MainContext& context, int tool) {
         case 904:
             context.window.CloseAllPages(false);
             break;
+        case kMoreWindowsTool: {
+            frmWindows dialog(context);
+            context.frame.dialogs.ShowModal(dialog);
+            break;
+        }
         default: {
-            const int place = tool - kFirstWindow;
+            const int place = tool - kFirstWindowTool;
             if (place < 0 || place >= context.OpenDocuments.Count()) break;
-            frmDocument& document = *context.OpenDocuments.All()[std::size_t(place)];
-            document.BringToFront();
-            document.Form_Activate();
+            context.window.ActivatePage(context.OpenDocuments.All()[std::size_t(place)]->PageKey());
             break;
         }
     }
@@ -105,6 +130,11 @@ void MenuHelp(MainContext& context, int tool) {
         case 1001:
             ShowHelp(context.frame, 0);
             break;
+        case 1002: {
+            frmTip dialog(context.frame);
+            context.frame.dialogs.ShowModal(dialog);
+            break;
+        }
         case 1012: {
             frmAbout dialog(context.frame);
             context.frame.dialogs.ShowModal(dialog);

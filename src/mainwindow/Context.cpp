@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "mainwindow/Finding.h"
 #include "mainwindow/frmDocument.h"
 #include "project/ProjectContext.h"
 
@@ -35,6 +36,9 @@ MainContext::MainContext(FrameContext& frameContext, ProjectContext& projectCont
       project(projectContext),
       model(projectContext.project),
       window(mainWindow),
-      barMain(bar) {}
+      barMain(bar),
+      Finder(std::make_unique<PageFinder>(*this)) {}
+
+MainContext::~MainContext() = default;
 
 }  // namespace pw

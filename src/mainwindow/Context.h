@@ -13,6 +13,7 @@ namespace pw {
 class CommandBar;
 class frmDocument;
 class frmMDIMain;
+class PageFinder;
 class Project;
 struct FrameContext;
 struct ProjectContext;
@@ -45,6 +46,7 @@ class OpenDocumentList {
 struct MainContext {
     MainContext(FrameContext& frameContext, ProjectContext& projectContext, frmMDIMain& mainWindow,
                 CommandBar& bar);
+    ~MainContext();
 
     FrameContext& frame;
     ProjectContext& project;
@@ -63,6 +65,7 @@ struct MainContext {
     bool FormatsFilled = false;                     ///< the font tools have their lists
     std::optional<bool> WelcomeShown;               ///< the page of the empty window
     double ConnectionChecked = -1e9;                ///< monotonic seconds
+    const std::unique_ptr<PageFinder> Finder;       ///< Find and Replace
 
     /** The element last hit by the mouse or chosen in the page explorer, in the current page. */
     dom::Node* CurrentElement() const { return element_; }

@@ -1,13 +1,13 @@
 #include "mainwindow/Explorers.h"
 
-#include <unordered_set>
-
 #include "editing/ElementRecognition.h"
+#include "editing/frmPage.h"
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "frame/MainWindowLayout.h"
 #include "mainwindow/Commands.h"
-#include "mainwindow/PageNodes.h"
+#include "mainwindow/ElementDialogs.h"
+#include "mainwindow/PageTree.h"
 #include "mainwindow/Pictures.h"
 #include "mainwindow/UIState.h"
 #include "mainwindow/frmDocument.h"
@@ -124,59 +124,25 @@ void tvwPageExplorer_MouseDown(MainContext& context) {
     ResetUI(context);
 }
 
-/** Which nodes of the tree are open, in the page that the tree shows. */
-void KeepExpandedNodes(MainContext& context) {
-    TreeView& tree = context.window.tvwPageExplorer;
-    frmDocument* document = context.OpenDocuments.Find(tree.tag);
-    if (!document) return;
-    document->ExpandedNodes.clear();
-    std::vector<TreeNode*> open(tree.Roots());
-    while (!open.empty()) {
-        const TreeNode* node = open.back();
-        open.pop_back();
-        if (node->children.empty()) continue;
-        if (node->expanded) document->ExpandedNodes.insert(node->tag);
-        open.insert(open.end(), node->children.begin(), node->children.end());
-    }
+/** The node stands for an element, which can have gone since the tree was brought up to date. */
+void tvwPageExplorer_NodeClick(MainContext& context, const TreeNode& node) {
+    const dom::Node* element = context.window.PageElements().ElementOf(node);
+    UpdatePageExplorer(context, context.CurrentPageKey);
+    const TreeNode* found = element ? context.window.PageElements().Find(*element) : nullptr;
+    if (found) SelectPageNode(context, found->key);
 }
 
-/** The body, or the frameset that stands in its place. */
-dom::Node* FirstBody(const dom::Document& document) {
-    for (dom::Node* element : document.all()) {
-        if (element->is("body") || element->is("frameset")) return element;
-    }
-    return nullptr;
-}
+// --- The tasks ----------------------------------------------------------------------------------
 
-void FillPageTree(MainContext& context, frmDocument& owner) {
-    TreeView& tree = context.window.tvwPageExplorer;
-    const dom::Document& document = owner.Document();
-    const dom::Node* body = FirstBody(document);
-    if (!body) return;
-    const auto add = [&](const std::string& parentKey, TreeNode node) {
-        node.expanded = parentKey.empty() || owner.ExpandedNodes.count(node.tag) > 0;
-        const TreeNode* added = tree.Add(parentKey, std::move(node));
-        return added ? added->key : parentKey;
-    };
-
-    // One walk in source order. The path holds the elements around the current place, each with the
-    // key of the nearest node that stands for it.
-    struct Enclosing {
-        const dom::Node* element;
-        std::string key;
-    };
-    std::vector<Enclosing> path{{body, add("", MakePageNode(context.frame, document, *body))}};
-    const auto& all = document.all();
-    for (std::size_t i = std::size_t(document.sourceIndex(body)) + 1; i < all.size(); ++i) {
-        const dom::Node* element = all[i];
-        const dom::Node* parent = element->parent();
-        while (path.size() > 1 && path.back().element != parent)
-            path.pop_back();
-        std::string key = path.back().key;
-        if (IsShownInExplorer(context.frame, *element))
-            key = add(key, MakePageNode(context.frame, document, *element));
-        if (element->firstChild()) path.push_back({element, std::move(key)});
+/** The tick in front of a task says that it is done. */
+void lvwTasks_ItemCheck(MainContext& context, int row) {
+    const ListRow ticked = context.window.lvwTasks.Row(row);
+    if (ticked.checked) {
+        static_cast<void>(MarkTaskComplete(context.project, ticked.tag));
+    } else {
+        static_cast<void>(SetTaskStatus(context.project, ticked.tag, TaskStatus::NotStarted));
     }
+    ResetUI(context);
 }
 
 }  // namespace
@@ -202,9 +168,7 @@ void SetExpandedState(MainContext& context, const TreeNode& node) {
 // --- The page -----------------------------------------------------------------------------------
 
 void ClearPageExplorer(MainContext& context) {
-    KeepExpandedNodes(context);
-    context.window.tvwPageExplorer.Clear();
-    context.window.tvwPageExplorer.tag.clear();
+    context.window.PageElements().Clear();
 }
 
 void UpdatePageExplorer(MainContext& context, const std::string& key) {
@@ -213,30 +177,18 @@ void UpdatePageExplorer(MainContext& context, const std::string& key) {
         frmDocument* document = context.OpenDocuments.Find(key);
         if (!document) return;
         document->WaitUntilReady();
-
-        TreeView& tree = context.window.tvwPageExplorer;
-        KeepExpandedNodes(context);
-        const std::string selected = tree.tag == key ? tree.SelectedKey() : std::string();
-        tree.BeginUpdate();
-        tree.Clear();
-        tree.tag = key;
-        Trap(context.frame.errorLog, kModule, "AddToPageExplorer",
-             [&] { FillPageTree(context, *document); });
-        tree.EndUpdate();
-        tree.SetSelected(selected);
+        context.window.PageElements().Update(*document);
     });
 }
 
 void SelectNodeOfElement(MainContext& context) {
     frmDocument* document = context.CurrentDocument();
-    dom::Node* element = context.CurrentElement();
-    if (!document || !element) return;
-    dom::Document& dom = document->Document();
-    if (!IsExplorerElement(element)) element = GetParentElement(dom, element, "");
-    const int index = dom.sourceIndex(element);
-    if (index < 0) return;
-    const std::string key = PageNodeKey(index);
-    if (context.window.tvwPageExplorer.Find(key)) context.window.tvwPageExplorer.SetSelected(key);
+    if (!document) return;
+    const dom::Node* element = context.CurrentElement();
+    const TreeNode* node = nullptr;
+    for (; element && !node; element = GetParentElement(document->Document(), element, ""))
+        node = context.window.PageElements().Find(*element);
+    if (node) context.window.tvwPageExplorer.SetSelected(node->key);
 }
 
 void SelectPageNode(MainContext& context, const std::string& nodeKey) {
@@ -269,9 +221,12 @@ void SelectPageNode(MainContext& context, const std::string& nodeKey) {
 
 void RefreshTasks(MainContext& context) {
     ListView& list = context.window.lvwTasks;
+    const std::string selected = list.Selected() >= 0 ? list.Row(list.Selected()).key : "";
     list.Clear();
     for (const Task& task : context.model.Tasks())
         list.Add(TaskRow(task));
+    list.SortAgain();
+    if (!selected.empty()) list.SetSelected(list.FindKey(selected));
 }
 
 void ShowSelectedTask(MainContext& context) {
@@ -284,7 +239,7 @@ void ShowSelectedTask(MainContext& context) {
 // --- Properties ---------------------------------------------------------------------------------
 
 bool HasObjectDialog(char letter) {
-    return letter == 'F' || letter == 'R' || letter == 'W';
+    return letter == 'F' || letter == 'P' || letter == 'R' || letter == 'W';
 }
 
 bool HasPropertiesDialog(const MainContext& context) {
@@ -293,14 +248,26 @@ bool HasPropertiesDialog(const MainContext& context) {
             return HasObjectDialog(SelectedNodeLetter(context));
         case Pane::TaskList:
             return context.window.lvwTasks.Selected() >= 0;
-        default:
-            return false;
+        case Pane::Page:
+        case Pane::PageExplorer:
+            break;
     }
+    return HasElementDialog(context);
 }
 
 void ShowPropertiesDialog(MainContext& context) {
-    if (context.ContextPane == Pane::ProjectExplorer) ShowProjectObjectDialog(context);
-    if (context.ContextPane == Pane::TaskList) ShowSelectedTask(context);
+    switch (context.ContextPane) {
+        case Pane::ProjectExplorer:
+            ShowProjectObjectDialog(context);
+            break;
+        case Pane::TaskList:
+            ShowSelectedTask(context);
+            break;
+        case Pane::Page:
+        case Pane::PageExplorer:
+            ShowElementDialog(context);
+            break;
+    }
 }
 
 void ShowProjectObjectDialog(MainContext& context) {
@@ -309,6 +276,9 @@ void ShowProjectObjectDialog(MainContext& context) {
         switch (SelectedNodeLetter(context)) {
             case 'F':
                 EditFolderProperties(context.project, key);
+                break;
+            case 'P':
+                ShowPageProperties(context.project, key);
                 break;
             case 'R':
             case 'W':
@@ -379,7 +349,7 @@ void ConnectExplorers(MainContext& context) {
     page.MouseUp = [c](bool right) {
         SetContextMenu(*c, right ? ContextMenu::PopUp : ContextMenu::Prepare);
     };
-    page.NodeClick = [c](const TreeNode& node) { SelectPageNode(*c, std::string(node.key)); };
+    page.NodeClick = [c](const TreeNode& node) { tvwPageExplorer_NodeClick(*c, node); };
 
     ListView& tasks = window.lvwTasks;
     tasks.SetColumns(TaskColumns());
@@ -392,7 +362,7 @@ void ConnectExplorers(MainContext& context) {
         SetContextMenu(*c, right ? ContextMenu::PopUp : ContextMenu::Prepare);
     };
     tasks.DblClick = [c] { ShowSelectedTask(*c); };
-    tasks.ColumnClick = [c](int column) { c->window.lvwTasks.SortBy(column); };
+    tasks.ItemCheck = [c](int row) { lvwTasks_ItemCheck(*c, row); };
 }
 
 }  // namespace pw

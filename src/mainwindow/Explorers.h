@@ -15,7 +15,7 @@ void RefillProjectExplorer(MainContext& context);
 /** Remembers in the project which of its nodes are open. */
 void SetExpandedState(MainContext& context, const TreeNode& node);
 
-/** Rebuilds the tree of elements, unless it is hidden or the page is not open. */
+/** Brings the tree of elements in step, unless it is hidden or the page is not open. */
 void UpdatePageExplorer(MainContext& context, const std::string& key);
 void ClearPageExplorer(MainContext& context);
 /** Shows the node of the current element, or of the nearest one in front of it. */

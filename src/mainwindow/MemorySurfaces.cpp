@@ -83,6 +83,7 @@ void MemoryDocument::BringToFront() {
 
 std::unique_ptr<DocumentSurface> MemoryMainWindow::CreateDocument() {
     auto document = std::make_unique<MemoryDocument>(*this);
+    if (makeEditor) document->editor = makeEditor();
     documents.push_back(document.get());
     return document;
 }

@@ -53,7 +53,7 @@ class MemoryDocument : public DocumentSurface {
     explicit MemoryDocument(MemoryMainWindow& window) : source(*this), window_(window) {}
     ~MemoryDocument() override;
 
-    EditorSurface* Editor() override { return nullptr; }
+    EditorSurface* Editor() override { return editor.get(); }
     EditorSurface* Browser() override { return nullptr; }
     SourceBox& Source() override { return source; }
     void SetCaption(const std::string& text) override { caption = text; }
@@ -67,9 +67,15 @@ class MemoryDocument : public DocumentSurface {
         preview = html;
         previewBase = baseUrl;
     }
+    bool Print(const std::string& title) override {
+        printed.push_back(title);
+        if (whilePrinting) whilePrinting();
+        return !printerFails;
+    }
     void BringToFront() override;
     bool IsVisible() const override { return visible_; }
 
+    std::unique_ptr<EditorSurface> editor;
     MemorySourceBox source;
     std::string caption;
     int icon = 0;
@@ -78,6 +84,9 @@ class MemoryDocument : public DocumentSurface {
     View tab = View::Normal;
     std::string preview;
     std::string previewBase;
+    std::vector<std::string> printed;  ///< titles, in their order
+    std::function<void()> whilePrinting;
+    bool printerFails = false;
 
   private:
     MemoryMainWindow& window_;
@@ -110,6 +119,8 @@ class MemoryMainWindow : public MainWindowSurface {
         timer = std::move(tick);
     }
 
+    /** For pages opened later, which otherwise have no view to edit in. */
+    std::function<std::unique_ptr<EditorSurface>()> makeEditor;
     std::string caption;
     bool foreground = false;
     bool minimised = false;

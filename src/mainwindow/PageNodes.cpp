@@ -122,7 +122,7 @@ TreeNode MakePageNode(const FrameContext& context, const dom::Document& document
                       const dom::Node& element) {
     TreeNode node;
     node.key = PageNodeKey(document.sourceIndex(&element));
-    node.tag = std::to_string(element.id());
+    node.id = element.id();
     if (element.isComment()) {
         node.image = 25;
         node.text = OneLine(element.data());

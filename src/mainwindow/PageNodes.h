@@ -13,7 +13,7 @@ struct FrameContext;
 std::string PageNodeKey(int sourceIndex);
 /** Comments only where the settings ask for them. */
 bool IsShownInExplorer(const FrameContext& context, const dom::Node& element);
-/** Key, text and picture; the tag is the element's number, which stays when others come and go. */
+/** Key, text and picture; the id is the element's number, which stays when others come and go. */
 TreeNode MakePageNode(const FrameContext& context, const dom::Document& document,
                       const dom::Node& element);
 

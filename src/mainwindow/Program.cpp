@@ -4,9 +4,11 @@
 
 #include "frame/FunctionLibrary.h"
 #include "mainwindow/Explorers.h"
+#include "mainwindow/Finding.h"
 #include "mainwindow/RecentProjects.h"
 #include "mainwindow/UIState.h"
 #include "mainwindow/frmDocument.h"
+#include "mainwindow/frmTip.h"
 #include "platform/posix/FileLock.h"
 #include "platform/posix/RunFolder.h"
 #include "platform/posix/SingleInstance.h"
@@ -37,15 +39,18 @@ bool Program::IsAnotherInstanceRunning() {
 }
 
 void Program::ShowSplash() {
-    if (parts_.splash) parts_.splash->Show();
+    if (!parts_.makeSplash) return;
+    splash_ = parts_.makeSplash(frame_);
+    splash_->Show();
 }
 
 void Program::SetSplashTopmost(Topmost topmost) {
-    if (parts_.splash) parts_.splash->SetTopmost(topmost == Topmost::On);
+    if (splash_) splash_->SetTopmost(topmost == Topmost::On);
 }
 
 void Program::UnloadSplash() {
-    if (parts_.splash) parts_.splash->Close();
+    if (splash_) splash_->Close();
+    splash_.reset();
 }
 
 void Program::ShowCustomerInfo() {
@@ -114,6 +119,11 @@ bool Program::IsProjectOpen() {
     return project_->IsLoaded;
 }
 
+void Program::ShowTips() {
+    frmTip dialog(frame_);
+    frame_.dialogs.ShowModal(dialog);
+}
+
 void Program::InitNewProject() {
     pw::InitNewProject(window_->ProjectState());
 }
@@ -161,6 +171,7 @@ void Program::RemoveWorkingFolders() {
 }
 
 void Program::HideMainWindow() {
+    window_->Context().Finder->Close();
     window_->Surface().Hide();
 }
 

@@ -31,7 +31,8 @@ struct ProgramParts {
     std::function<MainWindowSurface&()> makeWindow;
     /** Called when the controls of the main window stand, and nothing is shown yet. */
     std::function<void(frmMDIMain&)> bindWindow;
-    SplashSurface* splash = nullptr;
+    /** None: the start shows no picture. */
+    std::function<std::unique_ptr<SplashSurface>(FrameContext&)> makeSplash;
     /** Called at the end of the shutdown. */
     std::function<void()> endProcess;
 };
@@ -75,7 +76,7 @@ class Program : private StartupSteps, private ShutdownSteps {
     Recovery OfferRecovery() override;
     bool IsProjectOpen() override;
     void ShowKindlerun() override {}
-    void ShowTips() override {}
+    void ShowTips() override;
     void ShowProjectOpen(int) override {}
     void InitNewProject() override;
     void RefreshProjectState() override;
@@ -97,6 +98,7 @@ class Program : private StartupSteps, private ShutdownSteps {
 
     ProgramParts parts_;
     FrameContext frame_;
+    std::unique_ptr<SplashSurface> splash_;
     std::unique_ptr<FileLock> instance_;
     std::unique_ptr<RunFolder> run_;
     std::unique_ptr<Project> project_;

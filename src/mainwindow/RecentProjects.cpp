@@ -2,45 +2,45 @@
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
+#include "frame/RecentList.h"
 
 namespace pw {
 
 namespace {
 
 constexpr const char* kSection = "Recent";
-
-std::string ValueName(int number) {
-    return "File " + std::to_string(number);
-}
-
-std::vector<std::string> Stored(const FrameContext& context) {
-    std::vector<std::string> paths;
-    for (int number = 1; number <= kRecentProjects; ++number) {
-        std::string path = RegText(context.hive, kSection, ValueName(number));
-        if (!path.empty()) paths.push_back(std::move(path));
-    }
-    return paths;
-}
+constexpr const char* kValue = "File";
 
 }  // namespace
 
+std::vector<std::string> ListedProjects(const FrameContext& context) {
+    return RecentList(context.hive, kSection, kValue, kRecentProjects);
+}
+
 std::vector<std::string> RecentProjects(const FrameContext& context) {
-    std::vector<std::string> paths = Stored(context);
+    std::vector<std::string> paths = ListedProjects(context);
     std::erase_if(paths, [&](const auto& path) { return !FileExists(context.files, path); });
     return paths;
 }
 
 void AddRecentProject(FrameContext& context, const std::string& path) {
-    if (path.empty()) return;
-    std::vector<std::string> paths = Stored(context);
-    if (!paths.empty() && paths.front() == path) return;
-    std::erase(paths, path);
-    paths.insert(paths.begin(), path);
-    if (paths.size() > kRecentProjects) paths.resize(kRecentProjects);
+    AddToRecentList(context.hive, kSection, kValue, kRecentProjects, path);
+}
 
-    const HiveBatch batch(context.hive);
-    for (std::size_t i = 0; i < paths.size(); ++i)
-        SetRegText(context.hive, kSection, ValueName(int(i) + 1), paths[i]);
+void RemoveRecentProject(FrameContext& context, const std::string& path) {
+    RemoveFromRecentList(context.hive, kSection, kValue, kRecentProjects, path);
+}
+
+std::string MenuPath(const std::string& path) {
+    constexpr std::size_t kRoom = 48;  // bytes
+    const std::string native = ToNativePath(path);
+    std::size_t start = 0;
+    while (native.size() - start > kRoom) {
+        const std::size_t slash = native.find('/', start + 1);
+        if (slash == std::string::npos) break;
+        start = slash;
+    }
+    return start == 0 ? native : "\u2026" + native.substr(start);
 }
 
 }  // namespace pw

@@ -10,10 +10,15 @@
 #include "platform/DialogHost.h"
 #include "platform/EditorSurface.h"
 #include "platform/SourceBox.h"
+#include "project/Workspace.h"
 
 namespace pw {
 
-enum class View { Normal = 1, Html = 2, Preview = 3 };
+enum class View {
+    Normal = ViewState::Normal,
+    Html = ViewState::Html,
+    Preview = ViewState::Preview
+};
 
 /** The window of one open page: three stacked views and the strip of view tabs. */
 class DocumentSurface {
@@ -30,6 +35,10 @@ class DocumentSurface {
     virtual void SetViewTabs(int count, View selected) = 0;
     /** Shows HTML in the preview, scripts running; `baseUrl` resolves its references. */
     virtual void ShowPreview(const std::string& html, const std::string& baseUrl) = 0;
+    /** Asks the user for a printer and prints the view that is seen; nothing that the editor draws
+     *  over the page comes with it. Returns when it is done. False when it could not be printed; a
+     *  user who thinks better of it is no failure. */
+    virtual bool Print(const std::string& title) = 0;
     virtual void BringToFront() = 0;
     virtual bool IsVisible() const = 0;
 
@@ -39,7 +48,6 @@ class DocumentSurface {
         std::function<void(View)> tabPressed;
         std::function<void()> sourceTyped;
         std::function<void()> sourceMouseDown;
-        std::function<void()> sourceContextMenu;
         std::function<void()> previewMouseDown;
     };
     Events events;

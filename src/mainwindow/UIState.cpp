@@ -31,7 +31,7 @@ enum class Needs {
     Nothing,
     Project,     ///< one is open
     Page,        ///< one is open, in whatever view
-    SelectAll,   ///< a page whose view has text to select
+    Text,        ///< a page whose view has text to select and to search
     NormalView,  ///< a page in normal view
     Documents,   ///< any page window
     Browser,     ///< a page and the path of the first browser
@@ -46,17 +46,32 @@ struct Rule {
 };
 
 /** The commands whose state depends on more than this (101 to 106, the formats) are not in it. */
+// clang-format off
 constexpr Rule kRules[] = {
-    {1, 1, Needs::Nothing},        {2, 2, Needs::Project},        {3, 3, Needs::Nothing},
-    {4, 5, Needs::Project},        {6, 6, Needs::Nothing},        {7, 8, Needs::Project},
-    {9, 9, Needs::Page},           {10, 10, Needs::Project},      {11, 12, Needs::Page},
-    {17, 17, Needs::Project},      {19, 19, Needs::Nothing},      {107, 107, Needs::SelectAll},
-    {201, 201, Needs::Properties}, {205, 205, Needs::Page},       {207, 207, Needs::Browser},
-    {208, 208, Needs::Navigator},  {209, 219, Needs::Nothing},    {326, 330, Needs::NormalView},
-    {401, 415, Needs::NormalView}, {426, 427, Needs::NormalView}, {505, 505, Needs::Nothing},
-    {901, 913, Needs::Documents},  {1001, 1012, Needs::Nothing},  {1107, 1107, Needs::Properties},
-    {1201, 1212, Needs::Nothing},
+    // File
+    {1, 1, Needs::Nothing}, {2, 2, Needs::Project}, {3, 3, Needs::Nothing}, {4, 5, Needs::Project},
+    {6, 6, Needs::Nothing}, {7, 8, Needs::Project}, {9, 9, Needs::Page}, {10, 10, Needs::Project},
+    {11, 12, Needs::Page}, {14, 17, Needs::Project}, {18, 18, Needs::Page}, {19, 19, Needs::Nothing},
+    {kFirstRecentTool, kLastRecentTool, Needs::Nothing},
+    // Edit
+    {107, 111, Needs::Text},
+    // View
+    {201, 201, Needs::Properties}, {203, 204, Needs::NormalView}, {205, 205, Needs::Page},
+    {207, 207, Needs::Browser}, {208, 208, Needs::Navigator}, {209, 219, Needs::Nothing},
+    // Insert
+    {301, 333, Needs::NormalView},
+    // Format
+    {401, 416, Needs::NormalView}, {426, 427, Needs::NormalView},
+    // Tools
+    {504, 504, Needs::Page}, {505, 505, Needs::Nothing},
+    // Window
+    {901, 904, Needs::Documents}, {kFirstWindowTool, kMoreWindowsTool, Needs::Documents},
+    // Help
+    {1001, 1012, Needs::Nothing},
+    // The context menu, the connections
+    {1107, 1107, Needs::Properties}, {1201, 1212, Needs::Nothing},
 };
+// clang-format on
 
 /** Bands that are of use only while a page is up in normal view. */
 constexpr const char* kPageBands[] = {"Format", "Layering", "Forms",          "mnuInsert",
@@ -93,7 +108,7 @@ bool IsMet(Needs needs, const State& state, const Settings& settings) {
             return state.project;
         case Needs::Page:
             return state.page;
-        case Needs::SelectAll:
+        case Needs::Text:
             return state.page && !state.preview;
         case Needs::NormalView:
             return state.normal;
@@ -190,6 +205,13 @@ void UpdateFontTools(MainContext& context, HtmlEditor& editor) {
     }
 }
 
+/** Each page has its own; `editor` is none without a page. */
+void UpdateEditorChecks(MainContext& context, const HtmlEditor* editor) {
+    context.barMain.SetChecked(203, editor && editor->ShowBorders());
+    context.barMain.SetChecked(204, editor && editor->ShowDetails());
+    context.barMain.SetChecked(504, editor && editor->SnapToGrid());
+}
+
 void ClearPageTools(MainContext& context) {
     for (const Toggle& toggle : kToggles) {
         Enable(context, toggle.tool, false);
@@ -201,6 +223,8 @@ void ClearPageTools(MainContext& context) {
     }
     Enable(context, 101, false);
     Enable(context, 102, false);
+    const frmDocument* document = context.CurrentDocument();
+    UpdateEditorChecks(context, document ? &document->docDHTMLEditor : nullptr);
 }
 
 void UpdateViewChecks(MainContext& context) {
@@ -289,6 +313,19 @@ void SetEditMenuItems(MainContext& context) {
          [&] { SetEditTools(context, FocusInForce(context)); });
 }
 
+namespace {
+
+/** Properties and HTML of what is selected in the pane that the user is in. */
+void UpdatePropertiesTools(MainContext& context) {
+    const bool inProject = context.ContextPane == Pane::ProjectExplorer;
+    SetPropertyCaptions(context, inProject ? SelectedNodeLetter(context) : 0);
+    const bool possible = HasPropertiesDialog(context);
+    Enable(context, 201, possible);
+    Enable(context, 1107, possible);
+}
+
+}  // namespace
+
 void UpdateUndoTools(MainContext& context, HtmlEditor& editor) {
     const auto isEnabled = [&](int command) {
         return editor.QueryStatus(command) == CommandState::Enabled;
@@ -308,15 +345,14 @@ void UpdateDocumentUI(MainContext& context, const std::string& key) {
         UpdateFontTools(context, editor);
         UpdateUndoTools(context, editor);
         SetEditTools(context, FocusInForce(context));
+        UpdatePropertiesTools(context);
 
         const Selected selected = WhatIsSelected(editor.DOM());
         const bool linkable = IsAvailable(editor.QueryStatus(DECMD_HYPERLINK));
         Enable(context, 325, linkable);
         Enable(context, 324,
                selected != Selected::Object && (linkable || selected == Selected::Text));
-        context.barMain.SetChecked(504, editor.SnapToGrid());
-        context.barMain.SetChecked(203, editor.ShowBorders());
-        context.barMain.SetChecked(204, editor.ShowDetails());
+        UpdateEditorChecks(context, &editor);
     });
 }
 
@@ -349,15 +385,11 @@ void SetContextMenu(MainContext& context, ContextMenu how) {
     Trap(context.frame.errorLog, kModule, "SetContextMenu", [&] {
         frmDocument* document = context.CurrentDocument();
         const bool normal = document && document->State() == View::Normal;
-        char letter = 0;
-        if (context.ContextPane == Pane::ProjectExplorer) letter = SelectedNodeLetter(context);
-        SetPropertyCaptions(context, letter);
+        UpdatePropertiesTools(context);
         const bool inForm =
             context.ContextPane == Pane::Page && normal &&
             GetParentElement(document->Document(), context.CurrentElement(), "FORM");
         context.barMain.SetToolVisible(1101, inForm);
-        Enable(context, 201, HasPropertiesDialog(context));
-        Enable(context, 1107, HasPropertiesDialog(context));
         SetEditTools(context,
                      how == ContextMenu::PopUp ? context.ContextPane : FocusInForce(context));
         if (how == ContextMenu::PopUp) context.barMain.PopUp(kContextMenu);
@@ -527,41 +559,6 @@ void ShowStatusText(MainContext& context, const std::string& text) {
     panel.tag = std::to_string(online ? kPictureOnline : kPictureOffline);
     panel.toolTip = online ? "Internet connection detected" : "No Internet connection detected";
     panel.SetCaption(online ? "Online" : "Offline");
-}
-
-// --- Menus that are filled when they open -------------------------------------------------------
-
-void SetEditMenu(MainContext& context) {
-    UpdateDocumentUI(context, context.CurrentPageKey);
-    SetEditMenuItems(context);
-}
-
-void SetWindowMenu(MainContext& context) {
-    constexpr int kFirstWindowTool = 905;
-    constexpr int kWindowTools = 9;
-    Band* band = context.barMain.FindBand("mnuWindow");
-    if (!band) return;
-    std::vector<BandItem> items = band->items;
-    std::erase_if(items, [](const BandItem& item) { return item.number >= kFirstWindowTool; });
-    while (!items.empty() && items.back().kind == BandItem::Kind::Separator)
-        items.pop_back();
-
-    int place = 0;
-    for (const auto& document : context.OpenDocuments.All()) {
-        if (place == 0) items.push_back({BandItem::Kind::Separator, 0, "", ""});
-        if (place == kWindowTools) {
-            items.push_back({BandItem::Kind::Tool, 914, "&More Windows...", ""});
-            break;
-        }
-        const int tool = kFirstWindowTool + place;
-        ++place;
-        const std::string title = ReplaceAll(document->Caption(), "&", "&&");
-        items.push_back(
-            {BandItem::Kind::Tool, tool, "&" + std::to_string(place) + " " + title, ""});
-        context.barMain.SetEnabled(tool, true);
-        context.barMain.SetChecked(tool, document->PageKey() == context.CurrentPageKey);
-    }
-    context.barMain.SetBandItems("mnuWindow", std::move(items));
 }
 
 }  // namespace pw

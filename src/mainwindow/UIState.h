@@ -55,8 +55,4 @@ void UpdateDownloadTime(MainContext& context);
 /** In the first panel; the second shows whether the machine is connected. */
 void ShowStatusText(MainContext& context, const std::string& text);
 
-// Before a menu opens.
-void SetEditMenu(MainContext& context);
-void SetWindowMenu(MainContext& context);
-
 }  // namespace pw

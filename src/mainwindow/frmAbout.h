@@ -1,6 +1,5 @@
 #pragma once
-// What the program is: name, version, licence. The same form without its button and details is the
-// splash of the start.
+// What the program is: name, version, licence. The splash of the start shows the same texts.
 #include "platform/controls/Dialog.h"
 
 namespace pw {

@@ -6,7 +6,9 @@
 #include "editing/ElementRecognition.h"
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
+#include "mainwindow/ElementDialogs.h"
 #include "mainwindow/Explorers.h"
+#include "mainwindow/PageDrops.h"
 #include "mainwindow/Pictures.h"
 #include "mainwindow/UIState.h"
 #include "mainwindow/frmMDIMain.h"
@@ -22,18 +24,6 @@ namespace pw {
 namespace {
 
 constexpr const char* kModule = "Document.";
-
-/** The hourglass for a stretch of work. */
-class BusyPointer {
-  public:
-    explicit BusyPointer(frmMDIMain& window) : window_(window) { window_.ShowBusyPointer(true); }
-    ~BusyPointer() { window_.ShowBusyPointer(false); }
-    BusyPointer(const BusyPointer&) = delete;
-    BusyPointer& operator=(const BusyPointer&) = delete;
-
-  private:
-    frmMDIMain& window_;
-};
 
 // --- The strip of view tabs ---------------------------------------------------------------------
 
@@ -77,6 +67,7 @@ frmDocument::frmDocument(MainContext& context, std::string key)
       context_(context),
       key_(std::move(key)) {
     ConnectSurface();
+    ConnectPageDrops(context, *this);
     ApplyGrid();
     UpdatePicViewTab();
     surface_->ShowView(View::Normal);
@@ -98,10 +89,6 @@ void frmDocument::ConnectSurface() {
     };
     window.sourceTyped = [this] { txtHTML_Change(); };
     window.sourceMouseDown = [this] { LeaveOtherPanes(); };
-    window.sourceContextMenu = [this] {
-        LeaveOtherPanes();
-        SetContextMenu(context_, ContextMenu::PopUp);
-    };
     window.previewMouseDown = [this] { LeaveOtherPanes(); };
 
     docDHTMLEditor.DocumentComplete = [this] { docDHTMLEditor_DocumentComplete(); };
@@ -113,6 +100,7 @@ void frmDocument::ConnectSurface() {
             m_docEvents_onmousedown(hit);
         };
         events.mouseUp = [this] { m_docEvents_onmouseup(); };
+        events.doubleClick = [this] { m_docEvents_ondblclick(); };
         events.mouseOver = [this] { context_.window.ResetStatus(); };
         events.contextMenu = [this] { docDHTMLEditor_ShowContextMenu(); };
         events.keyUp = [this](const KeyPress& key) {
@@ -154,19 +142,18 @@ bool frmDocument::Load(const std::string& path, int pageType) {
         loaded = docBrowser.LoadDocument(path) &&
                  docDHTMLEditor.LoadHTML(CommentFrameset(docBrowser.DocumentHTML()),
                                          docBrowser.DOM().encoding());
-        framesPath_ = path;
         docDHTMLEditor.SetBaseURL(docBrowser.BaseURL());
     } else {
         loaded = docDHTMLEditor.LoadDocument(path);
     }
     WaitUntilReady();
+    lastTitle_ = Document().title();
     return loaded;
 }
 
 void frmDocument::ReloadFrames() {
-    const std::string path =
-        framesPath_.empty() ? docDHTMLEditor.CurrentDocumentPath() : framesPath_;
-    if (!path.empty()) static_cast<void>(docBrowser.LoadDocument(path));
+    // The file can have got another name since it was loaded.
+    if (const Page* page = FindPage()) static_cast<void>(docBrowser.LoadDocument(page->Filename));
     if (state_ == View::Preview) ToPreview();
 }
 
@@ -174,6 +161,14 @@ void frmDocument::WaitUntilReady() {
     ++waiting_;
     docDHTMLEditor.WaitUntilReady();
     --waiting_;
+}
+
+bool frmDocument::Print() {
+    WaitUntilReady();
+    ++waiting_;
+    const bool printed = surface_->Print(Document().title());
+    --waiting_;
+    return printed;
 }
 
 bool frmDocument::Form_Unload(Closing closing) {
@@ -277,6 +272,13 @@ void frmDocument::AdoptTitle() {
     RefreshCaption();
 }
 
+void frmDocument::FollowTitle() {
+    std::string title = Document().title();
+    if (title == lastTitle_) return;
+    lastTitle_ = std::move(title);
+    AdoptTitle();
+}
+
 void frmDocument::RefreshCaption() {
     const Page* page = FindPage();
     if (!page) return;
@@ -349,7 +351,8 @@ void frmDocument::PressTab(TabPress press) {
 
 void frmDocument::ToHtml() {
     state_ = View::Html;
-    UpdateHTML();
+    WaitUntilReady();
+    CleanPage(context_.project, Document(), key_);
     const std::string html = Document().html();
     source_ = SourceText(IsFramePage() ? UncommentFrameset(html) : html);
     UpdatePicViewTab();
@@ -456,6 +459,8 @@ void frmDocument::HitElement(dom::Node* element) {
     } else {
         mouseHit_ = false;
     }
+    // The change of the selection may have been told while this waited.
+    if (mouseHit_) docDHTMLEditor.DisplayChangedSoon();
 }
 
 void frmDocument::m_docEvents_onmousedown(dom::Node* hit) {
@@ -469,6 +474,10 @@ void frmDocument::m_docEvents_onkeyup() {
 
 void frmDocument::m_docEvents_onmouseup() {
     UpdateDocumentUI(context_, key_);
+}
+
+void frmDocument::m_docEvents_ondblclick() {
+    if (OpensOnDoubleClick(context_)) context_.barMain.Click(201);
 }
 
 void frmDocument::docDHTMLEditor_onkeyup(const KeyPress& key) {
@@ -485,6 +494,7 @@ void frmDocument::docDHTMLEditor_DisplayChanged() {
         if (closed_ || key_ != context_.CurrentPageKey || state_ != View::Normal) return;
         WaitUntilReady();
         MarkChanges();
+        FollowTitle();
         UpdateUndoTools(context_, docDHTMLEditor);
         // 2. Ordinary typing ends here.
         const dom::Document& document = Document();

@@ -54,7 +54,7 @@ class frmDocument : public OpenPage {
     bool HasPendingSource() const { return sourceTyped_; }
     DocumentSurface& Surface() { return *surface_; }
     /** Numbers of the elements whose nodes stand open in the page explorer. */
-    std::set<std::string> ExpandedNodes;
+    std::set<dom::NodeId> ExpandedNodes;
 
   private:
     std::unique_ptr<DocumentSurface> surface_;  // the editors use it: it goes after them
@@ -66,6 +66,10 @@ class frmDocument : public OpenPage {
     /** Until the document is what the user sees. Handlers of other events run meanwhile; the page
      *  does not close before the wait is over. */
     void WaitUntilReady();
+
+    /** Lets the user print the view that is up. False when it failed. The page does not close
+     * before it is over. */
+    bool Print();
 
     // --- What ShowPage does ---------------------------------------------------------------------
     /** Loads the page's file; false, with an empty document, when it cannot be read. */
@@ -94,6 +98,7 @@ class frmDocument : public OpenPage {
     void m_docEvents_onmousedown(dom::Node* hit);
     void m_docEvents_onkeyup();
     void m_docEvents_onmouseup();
+    void m_docEvents_ondblclick();
     /** True lets the browser follow the link. */
     bool m_docBrowserEvents_onclick(const std::string& href, const std::string& parentHref);
     /** A press in any of the three views ends the reign of an explorer. */
@@ -110,6 +115,8 @@ class frmDocument : public OpenPage {
     enum class Outcome { Done, Refused };
     Outcome TakeOverSource();
     void AdoptTitle();
+    /** Shows a title that was changed, undone or redone in the explorer and in the caption. */
+    void FollowTitle();
     void ToHtml();
     void ToPreview();
     void ToNormal(bool sourceWasTyped);
@@ -123,10 +130,10 @@ class frmDocument : public OpenPage {
     MainContext& context_;
     std::string key_;
     std::string caption_;
+    std::string lastTitle_;  ///< of the document, when it was last looked at
     View state_ = View::Normal;
     SourceText source_;  ///< what the source box was given, for taking its text over
     bool sourceTyped_ = false;
-    std::string framesPath_;  ///< of the file in docBrowser
     std::size_t elementCount_ = 0;
     bool mouseHit_ = false;
     bool refreshExplorer_ = true;

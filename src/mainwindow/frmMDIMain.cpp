@@ -27,6 +27,7 @@ frmMDIMain::frmMDIMain(FrameContext& frame, Project& project, MainWindowSurface&
       surface_(surface),
       project_{.frame = frame, .project = project, .workspace = *this},
       context_(frame, project_, *this, barMain),
+      pageTree_(frame, tvwPageExplorer),
       buried_(std::make_shared<std::vector<std::unique_ptr<frmDocument>>>()) {
     prgProgress.SetVisible(false);
     picTaskExplorer.SetVisible(false);
@@ -76,8 +77,19 @@ bool frmMDIMain::Form_QueryUnload() {
     return Trap(frame_.errorLog, kModule, "Form_QueryUnload", false, [&] {
         for (const auto& document : context_.OpenDocuments.All())
             document->TakeOverEdits();
-        return MayGiveUpProject(project_, GivingUp::ForExit, barMain.Caption(19));
+        if (!MayGiveUpProject(project_, GivingUp::ForExit, barMain.Caption(19))) return false;
+        TellOfNewerVersion();
+        return true;
     });
+}
+
+void frmMDIMain::TellOfNewerVersion() {
+    const std::string& newest = frame_.settings.NewestVersion;
+    if (newest.empty() || CompareVersions(newest, GetVersionString()) != 1) return;
+    frame_.dialogs.MsgBox(
+        {"This software has been updated to a newer version.\n\nPlease visit the "
+         "Pagewick Web site for information on how to update your software.",
+         kApplicationTitle, Icon::Information});
 }
 
 // --- What the user does beside the commands -----------------------------------------------------
@@ -189,6 +201,12 @@ void frmMDIMain::RaisePage(frmDocument& document, int pageType) {
     if (saved) document.ReloadFrames();
 }
 
+void frmMDIMain::ActivatePage(const std::string& key) {
+    frmDocument* document = context_.OpenDocuments.Find(key);
+    const Page* page = GetPage(project_, key);
+    if (document) RaisePage(*document, page ? page->PageType : PageType::Ordinary);
+}
+
 void frmMDIMain::CloseAllPages(bool discard) {
     context_.ClosingProject = true;
     std::vector<std::string> keys;
@@ -217,6 +235,7 @@ void frmMDIMain::CloseLater(const std::string& key) {
 
 void frmMDIMain::DocumentClosed(const frmDocument& document) {
     const std::string key = document.PageKey();
+    pageTree_.Forget(document);
     buried_->push_back(context_.OpenDocuments.Remove(key));
     std::erase(activationOrder_, key);
     frame_.loop.Post([weak = std::weak_ptr(buried_)] {

@@ -1,12 +1,15 @@
 #pragma once
 // The main window without its screen: the command bar, the explorers, the status bar, and what the
 // lower floors ask of the program around them. The skin binds its widgets to the controls by name.
+#include <array>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "frame/MainWindowLayout.h"
+#include "mainwindow/CSplitter.h"
 #include "mainwindow/Context.h"
+#include "mainwindow/PageTree.h"
 #include "mainwindow/Surfaces.h"
 #include "platform/controls/CommandBar.h"
 #include "platform/controls/Controls.h"
@@ -30,6 +33,13 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     TreeView tvwPageExplorer{this, "tvwPageExplorer"};
     Frame picTaskExplorer{this, "picTaskExplorer"};
     ListView lvwTasks{this, "lvwTasks"};
+    /** Beside the explorers, between the two trees, above the tasks: as in kSplitterValues. */
+    CSplitter splitterExplorer{this, "splitterExplorer", CSplitter::Direction::Vertical,
+                               CSplitter::Side::Before, &picExplorers};
+    CSplitter splitterTrees{this, "splitterTrees", CSplitter::Direction::Horizontal,
+                            CSplitter::Side::Before, &picProjectExplorer};
+    CSplitter splitterTask{this, "splitterTask", CSplitter::Direction::Horizontal,
+                           CSplitter::Side::After, &picTaskExplorer};
     /** 0: status text, 1: connection, 2: download time. `tag` is the number of the picture. */
     ControlArray<Label, 3> sbrMain{this, "sbrMain"};
     ProgressBar prgProgress{this, "prgProgress"};  ///< a panel of the status bar, hidden at rest
@@ -38,6 +48,8 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     MainWindowSurface& Surface() { return surface_; }
     MainContext& Context() { return context_; }
     ProjectContext& ProjectState() { return project_; }
+    /** What the page explorer shows, element by element. */
+    PageTree& PageElements() { return pageTree_; }
 
     // --- What the user does beside the commands -------------------------------------------------
     /** Presses the close box of an explorer; `tool` is 209, 210 or 211. */
@@ -87,11 +99,17 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     void ShowExplorer(int tool, Visibility visibility) override;
     bool IsToolbarVisible(const std::string& name) const override;
     void ShowToolbar(const std::string& name, Visibility visibility) override;
+    int SplitterSize(int index) const override { return splitters_[std::size_t(index)]->Size(); }
+    void SetSplitterSize(int index, int size) override {
+        splitters_[std::size_t(index)]->SetSize(size);
+    }
     void ShowStandardToolbars(int skillLevel) override;
 
     // --- For the page windows -------------------------------------------------------------------
     /** Takes it out of the open documents; it dies when the event that closed it is over. */
     void DocumentClosed(const frmDocument& document);
+    /** Brings an open page to the front, and the keyboard to it. */
+    void ActivatePage(const std::string& key);
     /** As soon as the events that are being handled are over. */
     void CloseLater(const std::string& key);
     /** The page in front now comes up again when the one before it closes. */
@@ -100,15 +118,18 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     std::string autoSaveTag = "0";
 
   private:
+    void TellOfNewerVersion();
     void ConnectSurface();
     void OpenPageWindow(const std::string& key, const std::string& title,
                         const std::string& filename, int pageType);
     void RaisePage(frmDocument& document, int pageType);
 
+    const std::array<CSplitter*, 3> splitters_{&splitterExplorer, &splitterTrees, &splitterTask};
     FrameContext& frame_;
     MainWindowSurface& surface_;
     ProjectContext project_;
     MainContext context_;
+    PageTree pageTree_;
     std::string caption_;
     int busyDepth_ = 0;
     int ticks_ = 0;                             // since the last automatic save was thought of

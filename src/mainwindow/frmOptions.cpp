@@ -1,9 +1,8 @@
 #include "mainwindow/frmOptions.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <iterator>
 
+#include "frame/Colors.h"
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "mainwindow/Explorers.h"
@@ -13,29 +12,6 @@
 #include "platform/Text.h"
 
 namespace pw {
-
-namespace {
-
-/** "#rrggbb" to the platform's order and back. */
-Color ColorOfHtml(const std::string& html) {
-    if (html.size() != 7 || html[0] != '#') return 0;
-    const auto rgb = std::uint32_t(std::strtoul(html.c_str() + 1, nullptr, 16));
-    return (rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16;
-}
-
-std::string HtmlOfColor(Color color) {
-    char text[8];
-    std::snprintf(text, sizeof text, "#%02x%02x%02x", color & 0xFF, color >> 8 & 0xFF,
-                  color >> 16 & 0xFF);
-    return text;
-}
-
-void DigitsOnly(int& code) {
-    constexpr int kBackspace = 8;
-    if (code != kBackspace && (code < '0' || code > '9')) code = 0;
-}
-
-}  // namespace
 
 frmOptions::frmOptions(MainContext& context)
     : Dialog("frmOptions", "Options"), context_(context), settings_(context.frame.settings) {
@@ -87,7 +63,7 @@ void frmOptions::Form_Load() {
         check.control->SetChecked(settings_.*check.setting);
     for (const ColorSetting& color : colors_)
         color.control->SetValue(settings_.*color.setting);
-    optColor[0].SetValue(ColorOfHtml(settings_.DefaultFontColor));
+    optColor[0].SetValue(ParseHtmlColor(settings_.DefaultFontColor).value_or(0));
 
     cboFontName.SetItems(context_.window.Surface().FontNames());
     cboFontName.SetText(settings_.DefaultFont);
@@ -185,7 +161,7 @@ bool frmOptions::WriteSettingsToReg() {
             SetRegNumber(hive, color.section, color.name, std::int32_t(color.control->Value())) &&
             kept;
     }
-    settings_.DefaultFontColor = HtmlOfColor(optColor[0].Value());
+    settings_.DefaultFontColor = HtmlColor(optColor[0].Value());
     kept = SetRegText(hive, "Project", "Default Font Color", settings_.DefaultFontColor) && kept;
     if (cboFontName.ListIndex() >= 0) settings_.DefaultFont = cboFontName.Text();
     kept = SetRegText(hive, "Project", "Default Font", settings_.DefaultFont) && kept;

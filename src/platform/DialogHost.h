@@ -36,6 +36,9 @@ class DialogHost {
     virtual ~DialogHost() = default;
     /** Shows it over the main window until it is closed. */
     virtual void ShowModal(Dialog& dialog) = 0;
+    /** Shows it beside the main window, which goes on working; brings it to the front when it is
+     *  open already. Returns at once: the dialog must be closed before it dies. */
+    virtual void Show(Dialog& dialog) = 0;
     virtual Answer MsgBox(const Message& message) = 0;
     /** "" when cancelled. Saving asks about an existing file itself. */
     virtual std::string OpenFile(const FileQuestion& question) = 0;

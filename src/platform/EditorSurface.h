@@ -2,6 +2,7 @@
 // The view that shows a page's document and lets the user type into it. The headless build has
 // none: an HtmlEditor works without a surface, and then formatting commands are not available.
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,12 @@ struct KeyPress {
     bool alt = false;
     bool control = false;
     bool shift = false;
+};
+
+/** Place and size of an object in CSS pixels, those parts that are meant. The place is relative to
+ *  the next positioned element around it, or to the page. */
+struct Placement {
+    std::optional<int> left, top, width, height;
 };
 
 class EditorSurface {
@@ -40,10 +47,17 @@ class EditorSurface {
     virtual bool Execute(const std::string& command, const std::string& argument) = 0;
     virtual void SetFocus() = 0;
     virtual void ScrollIntoView(const dom::Node& element) = 0;
+    /** Scrolls until the start of the selection is seen, with some of what is around it. */
+    virtual void ScrollToSelection() {}
     virtual void SetGrid(int x, int y) = 0;
     virtual void SetShowBorders(bool show) = 0;
     virtual void SetShowTags(bool show) = 0;
     virtual void SetSnapToGrid(bool snap) = 0;
+    /** Where the element would have to be put to stand, taken out of the text, where it stands now;
+     *  with a size where it would change. None when the view does not show it. */
+    virtual std::optional<Placement> FreePlaceOf(const dom::Node&) { return std::nullopt; }
+    /** Shows which cells of a table a command would act on; replaces those marked before. */
+    virtual void MarkCells(const std::vector<dom::Node*>&) {}
     /** Draws the whole view anew from the document. */
     virtual void Refresh() = 0;
     /** A JPEG of what is visible, at a path with backslashes. */
@@ -68,6 +82,8 @@ class EditorSurface {
         std::function<void(const std::vector<std::string>& paths)> filesDropped;
         /** A picture without a file was pasted: the bytes of a PNG. */
         std::function<void(const std::string& png)> imagePasted;
+        /** The user has moved or resized an object: the program changes the document. */
+        std::function<void(dom::Node& object, const Placement& placement)> placed;
         /** Preview only: a link was clicked. True lets the navigation go on. */
         std::function<bool(const std::string& href, const std::string& parentHref)> clicked;
     };

@@ -36,9 +36,6 @@ class SourceBox {
     virtual bool CanUndo() const = 0;
     virtual bool CanRedo() const = 0;
     virtual void SetFocus() = 0;
-    /** What is edited between the two is undone together. */
-    virtual void BeginStep() {}
-    virtual void EndStep() {}
 };
 
 }  // namespace pw

@@ -2,20 +2,18 @@
 
 #include <utf8proc.h>
 
-#include <cstdlib>
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <cstring>
 
 namespace pw {
 
 namespace {
 
-bool IsAscii(std::string_view text) {
-    for (unsigned char c : text) {
-        if (c >= 0x80) return false;
-    }
-    return true;
+char LowerAscii(char c) {
+    return c >= 'A' && c <= 'Z' ? char(c + 32) : c;
 }
-
-char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; }
 
 template <typename MapCodepoint>
 std::string MapText(std::string_view text, MapCodepoint map) {
@@ -47,6 +45,18 @@ std::size_t SequenceLength(std::string_view text) {
     return used > 0 ? std::size_t(used) : 0;
 }
 
+/** Of the character at the start of the text. */
+bool IsOfWord(std::string_view text) {
+    utf8proc_int32_t codepoint = -1;
+    if (utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                         utf8proc_ssize_t(text.size()), &codepoint) <= 0) {
+        return false;
+    }
+    const utf8proc_category_t category = utf8proc_category(codepoint);
+    return (category >= UTF8PROC_CATEGORY_LU && category <= UTF8PROC_CATEGORY_NO) ||
+           category == UTF8PROC_CATEGORY_PC;
+}
+
 int HexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -56,10 +66,28 @@ int HexDigit(char c) {
 
 }  // namespace
 
+std::size_t AsciiEnd(std::string_view text, std::size_t from) {
+    // Eight at a time: pages are long, and mostly ASCII.
+    constexpr std::uint64_t kHighBits = 0x8080808080808080;
+    std::size_t at = from;
+    for (std::uint64_t chunk; at + sizeof chunk <= text.size(); at += sizeof chunk) {
+        std::memcpy(&chunk, text.data() + at, sizeof chunk);
+        if (chunk & kHighBits) break;
+    }
+    while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80)
+        ++at;
+    return at;
+}
+
+bool IsAscii(std::string_view text) {
+    return AsciiEnd(text) == text.size();
+}
+
 std::string ToLower(std::string_view text) {
     if (IsAscii(text)) {
         std::string out(text);
-        for (char& c : out) c = LowerAscii(c);
+        for (char& c : out)
+            c = LowerAscii(c);
         return out;
     }
     return MapText(text, [](utf8proc_int32_t c) { return utf8proc_tolower(c); });
@@ -73,6 +101,10 @@ std::string FoldCase(std::string_view text) {
     // Upper case first, so that letters with two lower-case forms come out alike.
     if (IsAscii(text)) return ToLower(text);
     return MapText(text, [](utf8proc_int32_t c) { return utf8proc_tolower(utf8proc_toupper(c)); });
+}
+
+char32_t FoldCase(char32_t character) {
+    return char32_t(utf8proc_tolower(utf8proc_toupper(utf8proc_int32_t(character))));
 }
 
 bool EqualsNoCase(std::string_view a, std::string_view b) {
@@ -110,6 +142,14 @@ std::size_t FindLastNoCase(std::string_view text, std::string_view what) {
         if (EqualsNoCase(text.substr(at, what.size()), what)) return at;
     }
     return std::string_view::npos;
+}
+
+bool IsWholeWord(std::string_view text, std::size_t start, std::size_t length) {
+    std::size_t before = start;
+    while (before > 0 && (text[--before] & 0xC0) == 0x80) {
+    }
+    const bool touched = start > 0 && IsOfWord(text.substr(before));
+    return !touched && (start + length >= text.size() || !IsOfWord(text.substr(start + length)));
 }
 
 std::string Trim(std::string_view text) {
@@ -154,29 +194,26 @@ std::vector<std::string> Split(std::string_view text, char separator) {
 }
 
 double Val(std::string_view text) {
-    const std::string trimmed = Trim(text);
-    std::size_t length = 0;
+    std::string trimmed = Trim(text);
+    if (trimmed.starts_with('+')) trimmed.erase(0, 1);
+    std::size_t length = trimmed.starts_with('-') ? 1 : 0;
     bool point = false;
-    while (length < trimmed.size()) {
+    for (; length < trimmed.size(); ++length) {
         const char c = trimmed[length];
-        const bool sign = length == 0 && (c == '-' || c == '+');
         if (c == '.' && !point) {
             point = true;
-        } else if (!sign && (c < '0' || c > '9')) {
+        } else if (c < '0' || c > '9') {
             break;
         }
-        ++length;
     }
-    return std::strtod(trimmed.substr(0, length).c_str(), nullptr);
+    // The C library's own functions expect a comma on many a desktop.
+    double value = 0;
+    std::from_chars(trimmed.data(), trimmed.data() + length, value);
+    return value;
 }
 
 bool IsValidUtf8(std::string_view text) {
-    std::size_t at = 0;
-    while (at < text.size()) {
-        if (static_cast<unsigned char>(text[at]) < 0x80) {
-            ++at;
-            continue;
-        }
+    for (std::size_t at = AsciiEnd(text); at < text.size(); at = AsciiEnd(text, at)) {
         const auto length = SequenceLength(text.substr(at));
         if (length == 0) return false;
         at += length;

@@ -8,6 +8,7 @@ namespace pw {
 
 /** Folded for comparison without regard to case, all of Unicode. */
 std::string FoldCase(std::string_view text);
+char32_t FoldCase(char32_t character);
 std::string ToLower(std::string_view text);
 std::string ToUpper(std::string_view text);
 bool EqualsNoCase(std::string_view a, std::string_view b);
@@ -17,6 +18,8 @@ bool EndsWithNoCase(std::string_view text, std::string_view end);
 std::size_t FindNoCase(std::string_view text, std::string_view what, std::size_t from = 0);
 /** Of the last occurrence. */
 std::size_t FindLastNoCase(std::string_view text, std::string_view what);
+/** True when no letter, digit or underscore touches that stretch of the text. */
+bool IsWholeWord(std::string_view text, std::size_t start, std::size_t length);
 /** Blanks, tabs and line ends off both sides. */
 std::string Trim(std::string_view text);
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with);
@@ -24,6 +27,9 @@ std::string ReplaceAllNoCase(std::string_view text, std::string_view what, std::
 std::vector<std::string> Split(std::string_view text, char separator);
 /** A number as text fields are read: leading blanks, sign, digits, point; garbage reads as 0. */
 double Val(std::string_view text);
+/** Place of the first byte beyond ASCII at or behind `from`; the size when there is none. */
+std::size_t AsciiEnd(std::string_view text, std::size_t from = 0);
+bool IsAscii(std::string_view text);
 bool IsValidUtf8(std::string_view text);
 /** The text with every invalid sequence replaced by U+FFFD. */
 std::string MakeValidUtf8(std::string_view text);

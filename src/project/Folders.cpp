@@ -6,6 +6,7 @@
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
+#include "project/Journal.h"
 #include "project/Paths.h"
 #include "project/Workspace.h"
 #include "project/frmFolder.h"
@@ -122,20 +123,10 @@ bool IsOKToAddFolder(const ProjectContext& context, std::string_view name,
 }
 
 std::string FolderNameProblem(std::string_view name) {
-    if (Trim(name).empty()) return "Please enter a name for the folder.";
-    const bool isFilename = std::all_of(name.begin(), name.end(), [](unsigned char c) {
-        return c >= 0x20 && c != 0x7F && IsFilenameKey(c);
-    });
-    if (!isFilename || !IsValidUtf8(name))
-        return "A folder name can not contain any of the characters \\ / : * ? \" < > |. "
-               "Please enter a different name.";
-    if (name == "." || name == ".." || name.ends_with('.'))
-        return "A folder name can not end with a point. Please enter a different name.";
     if (EqualsNoCase(name, kMediaName))
         return "The name \"media\" is kept for the pictures of the pages. "
                "Please enter a different name.";
-    if (name.size() > 200) return "This folder name is too long. Please enter a shorter one.";
-    return {};
+    return DiskNameProblem("folder", name);
 }
 
 Folder* AddFolder(ProjectContext& context, Container parent, const NewFolder& wanted,
@@ -242,6 +233,7 @@ bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::stri
         MoveFolders(folder, oldRelative, newRelative);
         MoveFiles(context, from, to);
         context.project.IsDirty = true;
+        JournalFilesMoved(context);
         return true;
     });
 }

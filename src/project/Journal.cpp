@@ -16,7 +16,6 @@ constexpr const char* kLastLine = "end";
 constexpr double kQuietSeconds = 2;
 constexpr double kPatienceSeconds = 10;
 constexpr double kPauseSeconds = 30;  // a full disk is not to fill the error log
-constexpr int kHtmlView = 2;
 
 std::string JournalFolder(const std::string& runFolder) {
     return BuildPath(runFolder, "journal");
@@ -85,7 +84,8 @@ void WriteEditedPages(ProjectContext& context) {
         }
         // What is typed as source is not in the document yet. Reading it back takes a while in a
         // large page, and may need a word with the user.
-        if (open->CurrentViewState() == kHtmlView && now - mark.takenOverAt >= kPatienceSeconds) {
+        if (open->CurrentViewState() == ViewState::Html &&
+            now - mark.takenOverAt >= kPatienceSeconds) {
             open->TakeOverEdits();
             mark.takenOverAt = now;
         }
@@ -135,6 +135,14 @@ void JournalTick(ProjectContext& context) {
         return true;
     });
     context.journal.pausedUntil = written ? 0 : now + kPauseSeconds;
+}
+
+void JournalFilesMoved(ProjectContext& context) {
+    if (!context.journal.tree.IsTaken()) return;
+    Trap(context.frame.errorLog, kModule, "JournalFilesMoved", [&] {
+        PutTree(context);
+        PutRecord(context);
+    });
 }
 
 void JournalOpened(ProjectContext& context) {

@@ -20,6 +20,9 @@ void JournalTick(ProjectContext& context);
 
 /** The project was made, loaded or recovered. */
 void JournalOpened(ProjectContext& context);
+/** Files of pages have got other names: a journal that stands follows at once, also while a dialog
+ *  is up, since a recovery goes by the names. */
+void JournalFilesMoved(ProjectContext& context);
 /** A save into that file begins: whatever becomes of it, nothing is lost. */
 void JournalBeforeSave(ProjectContext& context, const std::string& file);
 /** Everything is in the project file now. */

@@ -1,6 +1,7 @@
 #include "project/LinkAttributes.h"
 
 #include "platform/Text.h"
+#include "platform/dom/TagScan.h"
 #include "project/References.h"
 
 namespace pw {
@@ -31,19 +32,38 @@ bool FindRefreshAddress(const std::string& content, std::size_t& at, std::size_t
 
 }  // namespace
 
+std::string_view LinkAttributeOf(std::string_view tag) {
+    for (const auto& link : kLinkAttributes)
+        if (link.tag.size() == tag.size() && EqualsNoCase(link.tag, tag)) return link.name;
+    return {};
+}
+
+void ForEachLink(std::string_view html, const std::function<void(const std::string&)>& visit) {
+    dom::TagScan scan(html, dom::TagsFrom::Markup);
+    while (const auto tag = scan.next()) {
+        if (const auto name = LinkAttributeOf(tag->name()); !name.empty()) {
+            if (const auto value = tag->attribute(name)) visit(*value);
+        } else if (tag->is("meta") &&
+                   EqualsNoCase(tag->attribute("http-equiv").value_or(""), "refresh")) {
+            const std::string content = tag->attribute("content").value_or("");
+            std::size_t at = 0;
+            std::size_t length = 0;
+            if (FindRefreshAddress(content, at, length)) visit(content.substr(at, length));
+        }
+    }
+}
+
 void RewriteLinkAttributes(
     dom::Document& document,
     const std::function<std::optional<std::string>(const std::string&)>& rewrite) {
     const dom::Document::Step step(document);
     for (dom::Node* node = document.root(); node; node = node->following()) {
         if (!node->isElement()) continue;
-        for (const auto& link : kLinkAttributes) {
-            if (link.tag != node->localName()) continue;
-            const std::string* value = node->attribute(link.name);
-            if (!value || !IsLocalReference(*value)) continue;
+        const std::string_view name = LinkAttributeOf(node->localName());
+        const std::string* value = name.empty() ? nullptr : node->attribute(name);
+        if (value && IsLocalReference(*value)) {
             const auto rewritten = rewrite(*value);
-            if (rewritten && *rewritten != *value)
-                document.setAttribute(*node, link.name, *rewritten);
+            if (rewritten && *rewritten != *value) document.setAttribute(*node, name, *rewritten);
         }
         if (!node->is("meta") || !EqualsNoCase(node->getAttribute("http-equiv"), "refresh"))
             continue;

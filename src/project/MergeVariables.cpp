@@ -1,10 +1,13 @@
 #include "project/MergeVariables.h"
 
-#include <unordered_map>
+#include <algorithm>
+#include <optional>
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
+#include "platform/dom/Escape.h"
+#include "platform/dom/TagScan.h"
 #include "project/Pages.h"
 #include "project/Workspace.h"
 
@@ -115,23 +118,94 @@ bool UpdateAnchor(dom::Document& document, dom::Node& anchor, const MergeVariabl
     return true;
 }
 
-bool UpdateClosedPage(ProjectContext& context, const Page& page) {
+/** Whether an anchor in the text of a page may show something else than its variable's value. */
+bool MayBeStale(const ProjectContext& context, std::string_view page, const dom::TagInText& tag) {
+    if (!tag.is("a")) return false;
+    const auto type = tag.attribute("type");
+    if (!type || !EqualsNoCase(*type, kAnchorType)) return false;
+    const std::string name = tag.attribute("name").value_or("");
+    const MergeVariable* variable = FindVariable(context, name);
+    // Letters beyond ASCII have yet to be decoded.
+    if (!variable) return !IsAscii(name);
+    if (context.project.BuildMode && variable->Type == kCustom) return true;
+    const std::string markup = EscapeHTML(variable->Value);
+    const std::string_view shown = page.substr(tag.end());
+    return !shown.starts_with(markup) || !StartsWithNoCase(shown.substr(markup.size()), "</a");
+}
+
+/** A look at the tags, since most pages have no variables, and parsing is the dear part. */
+bool MayHoldStaleVariable(const ProjectContext& context, std::string_view bytes) {
+    // As bytes the tags can be read in all encodings but those of wide units.
+    const std::string decoded =
+        bytes.find('\0') == bytes.npos ? std::string() : dom::decode(bytes).text;
+    const std::string_view text = decoded.empty() ? bytes : decoded;
+    dom::TagScan scan(text, dom::TagsFrom::Anywhere);
+    while (const auto tag = scan.next())
+        if (MayBeStale(context, text, *tag)) return true;
+    return false;
+}
+
+void UpdateClosedPage(ProjectContext& context, Page& page, std::string& bytes) {
     FileSystem& files = context.frame.files;
-    std::string bytes;
-    if (!FileExists(files, page.Filename)) return true;
-    if (files.Read(page.Filename, bytes) != FileError::None) return false;
-    // Most pages have none, and parsing is the dear part. In an encoding of wide units the mark is
-    // looked for in the text.
-    const bool isWide = bytes.find('\0') != bytes.npos;
-    if (FindNoCase(isWide ? dom::decode(bytes).text : bytes, kAnchorType) == std::string::npos)
-        return true;
+    const FileError read = files.Read(page.Filename, bytes);
+    if (read == FileError::NotFound) return;
+    if (read != FileError::None) throw Failure(page.Filename + ": " + Describe(read));
+    if (!MayHoldStaleVariable(context, bytes)) return;
     const auto document = dom::Document::parse(bytes);
-    if (!document) return true;
-    if (UpdateMergeVariablesOnThisPage(context, *document) == 0) return true;
-    return files.Write(page.Filename, document->bytes()) == FileError::None;
+    if (!document || UpdateMergeVariablesOnThisPage(context, *document) == 0) return;
+    const FileError written = files.Write(page.Filename, document->bytes());
+    if (written != FileError::None) throw Failure(page.Filename + ": " + Describe(written));
+    page.IsDirty = true;
+    context.project.IsDirty = true;
 }
 
 }  // namespace
+
+bool IsStandardVariable(std::string_view name) {
+    return std::any_of(std::begin(kStandardVariables), std::end(kStandardVariables),
+                       [&](const auto& standard) { return EqualsNoCase(standard.name, name); });
+}
+
+std::string VariableNameProblem(std::string_view name) {
+    const bool isWelcome = std::none_of(name.begin(), name.end(), [](unsigned char c) {
+        return c < 0x20 || c == '"' || c == '<' || c == '>';
+    });
+    return isWelcome && !Trim(name).empty() ? "" : "Invalid name.";
+}
+
+std::string SetCustomVariable(ProjectContext& context, std::string_view name,
+                              std::string_view value) {
+    const std::string wanted = Trim(name);
+    const std::string problem = VariableNameProblem(wanted);
+    if (!problem.empty()) return problem;
+    if (IsStandardVariable(wanted))
+        return QuoteSingle(wanted) +
+               " is a standard variable, which shows a property of the project.";
+    MergeVariables& variables = context.project.MergeVariables();
+    MergeVariable* variable = nullptr;
+    int customs = 0;
+    for (MergeVariable& each : variables) {
+        if (each.Type != kCustom) continue;
+        ++customs;
+        if (EqualsNoCase(each.Name, wanted)) variable = &each;
+    }
+    if (!variable && customs >= kMostCustomVariables)
+        return "A project holds at most " + std::to_string(kMostCustomVariables) +
+               " custom variables. Please remove one that is no longer used.";
+    if (!variable) variable = variables.Add();
+    if (!variable) return context.project.LastMessage();
+    variable->Type = kCustom;
+    variable->Name = wanted;
+    variable->Value = ReplaceAll(ReplaceAll(Trim(value), "\r\n", "\n"), "\n", "\r\n");
+    context.project.IsDirty = true;
+    return {};
+}
+
+std::string VariableMarkup(std::string_view name, std::string_view value) {
+    return "<A type=" + std::string(kAnchorType) +
+           " name=" + QuoteDouble(dom::escapeAttribute(name, '"', "\n")) + ">" + EscapeHTML(value) +
+           "</A>";
+}
 
 void RemoveVariablesOfType(ProjectContext& context, std::string_view type) {
     MergeVariables& variables = context.project.MergeVariables();
@@ -170,24 +244,43 @@ int UpdateMergeVariablesOnThisPage(ProjectContext& context, dom::Document& docum
     });
 }
 
-bool UpdateMergeVariablesInClosedPages(ProjectContext& context, PagesToUpdate which) {
-    const auto body = [&] {
-        bool isWhole = true;
-        for (const PageIndexEntry& entry : context.project.PageIndex()) {
-            const bool isOpen = context.workspace.FindOpenPage(entry.Key()) != nullptr;
-            if (which == PagesToUpdate::ClosedOnly && isOpen) continue;
-            isWhole = UpdateClosedPage(context, *entry.Item) && isWhole;
-        }
-        return isWhole;
-    };
-    return Trap(context.frame.errorLog, kModule, "UpdateMergeVariablesInClosedPages", false, body);
+std::vector<std::string> UpdateMergeVariablesInClosedPages(ProjectContext& context,
+                                                           PagesToUpdate which) {
+    std::vector<std::string> notUpdated;
+    std::string bytes;
+    for (const PageIndexEntry& entry : context.project.PageIndex()) {
+        const bool isOpen = context.workspace.FindOpenPage(entry.Key()) != nullptr;
+        if (which == PagesToUpdate::ClosedOnly && isOpen) continue;
+        bool isDone = false;
+        Trap(context.frame.errorLog, kModule, "UpdateMergeVariablesInClosedPages", [&] {
+            UpdateClosedPage(context, *entry.Item, bytes);
+            isDone = true;
+        });
+        if (!isDone) notUpdated.push_back(entry.Item->Name);
+    }
+    return notUpdated;
 }
 
 void UpdateMergeVariablesInOpenPages(ProjectContext& context) {
     for (OpenPage* open : context.workspace.OpenPages()) {
         open->TakeOverEdits();
-        UpdateMergeVariablesOnThisPage(context, open->Document());
+        if (UpdateMergeVariablesOnThisPage(context, open->Document()) == 0) continue;
+        context.project.IsDirty = true;
+        if (Page* page = GetPage(context, open->PageKey())) page->IsDirty = true;
+        // The other views show copies of the page.
+        if (open->CurrentViewState() != ViewState::Normal)
+            static_cast<void>(open->SetHTML(open->Document().html()));
     }
+}
+
+void UpdateMergeVariablesInAllPages(ProjectContext& context, const std::string& title) {
+    UpdateMergeVariablesInOpenPages(context);
+    const auto notUpdated = UpdateMergeVariablesInClosedPages(context, PagesToUpdate::ClosedOnly);
+    if (notUpdated.empty()) return;
+    context.frame.dialogs.MsgBox({"The merge variables could not be brought up to date on " +
+                                      ListOfNames(notUpdated) +
+                                      ".\n\nPlease make room on the disk and try again.",
+                                  title, Icon::Exclamation});
 }
 
 std::string EscapeHTML(std::string_view text) {

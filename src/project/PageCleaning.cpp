@@ -25,7 +25,7 @@ std::string WithCrLf(std::string_view text) {
 
 }  // namespace
 
-std::string UpdateHTML(ProjectContext& context, dom::Document& document, std::string_view pageKey) {
+void CleanPage(ProjectContext& context, dom::Document& document, std::string_view pageKey) {
     Trap(context.frame.errorLog, "ProjectFunctions.", "UpdateHTML", [&] {
         const dom::Document::Step step(document);
         for (dom::Node* image : document.images()) {
@@ -35,6 +35,10 @@ std::string UpdateHTML(ProjectContext& context, dom::Document& document, std::st
             if (!path.empty() && path != *source) document.setAttribute(*image, "src", path);
         }
     });
+}
+
+std::string UpdateHTML(ProjectContext& context, dom::Document& document, std::string_view pageKey) {
+    CleanPage(context, document, pageKey);
     // The title block needs no care: the document writes the very title that it answers.
     return WithCrLf(document.html());
 }

@@ -7,11 +7,12 @@
 
 namespace pw {
 
-/**
- * Cleans the document of an edited page and returns its text with CR LF line ends, as the source
- * view shows it. Pictures named by a path on disk get their virtual path, in one undo step; nothing
- * else in the document changes, so its file keeps the line ends that it had.
- */
+/** Cleans the document of an edited page: pictures named by a path on disk get their virtual path,
+ *  in one undo step. Nothing else changes. */
+void CleanPage(ProjectContext& context, dom::Document& document, std::string_view pageKey);
+
+/** Cleans the document and returns its text with CR LF line ends; its file keeps the line ends that
+ *  it had. */
 std::string UpdateHTML(ProjectContext& context, dom::Document& document, std::string_view pageKey);
 
 }  // namespace pw

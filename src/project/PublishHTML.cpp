@@ -144,12 +144,11 @@ std::string Publish(ProjectContext& context, const std::string& folder, std::str
 }  // namespace
 
 PublishResult PublishAsHTML(ProjectContext& context, const std::string& folder) {
+    const BusyPointer busy(context.workspace);
     PublishResult result;
-    context.workspace.ShowBusyPointer(true);
     result.reason = Trap(context.frame.errorLog, kModule, "PublishAsHTML",
                          std::string("Something unforeseen happened. The error log tells more."),
                          [&] { return Publish(context, folder, result.folder); });
-    context.workspace.ShowBusyPointer(false);
     result.published = result.reason.empty();
     return result;
 }

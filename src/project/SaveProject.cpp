@@ -20,20 +20,20 @@ constexpr const char* kModule = "ProjectFunctions.";
 /** Pointer, status line and progress bar while a save runs; all back at its end. */
 class SaveScreen {
   public:
-    SaveScreen(Workspace& workspace, const std::string& file) : workspace_(workspace) {
-        workspace_.ShowBusyPointer(true);
+    SaveScreen(Workspace& workspace, const std::string& file)
+        : workspace_(workspace), pointer_(workspace) {
         workspace_.ShowStatus("Saving project " + QuoteSingle(GetFileName(file)) + "...");
     }
     ~SaveScreen() {
         workspace_.ShowProgress(false);
         workspace_.ResetStatus();
-        workspace_.ShowBusyPointer(false);
     }
     SaveScreen(const SaveScreen&) = delete;
     SaveScreen& operator=(const SaveScreen&) = delete;
 
   private:
     Workspace& workspace_;
+    BusyPointer pointer_;
 };
 
 /** Keeps the current page marked as open for as long as the file is written. */
@@ -198,7 +198,7 @@ bool SaveProjectAs(ProjectContext& context) {
 }
 
 bool UpdateOpenPageProperties(ProjectContext& context, std::string* unwritten) {
-    context.workspace.ShowBusyPointer(true);
+    const BusyPointer busy(context.workspace);
     const bool all = Trap(context.frame.errorLog, kModule, "UpdateOpenPageProperties", false, [&] {
         bool written = true;
         for (OpenPage* open : context.workspace.OpenPages()) {
@@ -211,7 +211,6 @@ bool UpdateOpenPageProperties(ProjectContext& context, std::string* unwritten) {
         }
         return written;
     });
-    context.workspace.ShowBusyPointer(false);
     if (!all && unwritten && unwritten->empty()) *unwritten = "A page can not be written.";
     return all;
 }

@@ -9,8 +9,8 @@ namespace pw {
 namespace {
 
 // Pictures in the main image list.
-constexpr int kTaskImage = 10;
-constexpr int kFinishedTaskImage = 11;
+constexpr int kTaskImage = 11;
+constexpr int kFinishedTaskImage = 12;
 
 template <std::size_t N>
 std::string TextAt(const std::array<const char*, N>& texts, int index) {
@@ -43,24 +43,34 @@ std::vector<ListColumn> TaskColumns() {
 }
 
 ListRow TaskRow(const Task& task) {
+    constexpr double kNever = 1e9;  // those without a day come behind all that have one
+    const bool done = task.Status == int(TaskStatus::Completed);
+    const bool dated = task.CompleteBy > 0;
     ListRow row;
     row.key = task.Key;
     row.tag = task.Key;
-    row.image = task.Status == int(TaskStatus::Completed) ? kFinishedTaskImage : kTaskImage;
+    row.image = done ? kFinishedTaskImage : kTaskImage;
+    row.checked = done;
+    row.dimmed = done;
     row.cells = {task.Name, PriorityText(task.Priority), StatusText(task.Status), task.AssignedTo,
-                 task.CompleteBy > 0 ? FormatDate(task.CompleteBy, DateStyle::ShortDate) : ""};
+                 dated ? FormatDate(task.CompleteBy, DateStyle::ShortDate) : ""};
+    row.order = {{1, task.Priority}, {2, task.Status}, {4, dated ? task.CompleteBy : kNever}};
     return row;
 }
 
-bool MarkTaskComplete(ProjectContext& context, const std::string& key) {
+bool SetTaskStatus(ProjectContext& context, const std::string& key, TaskStatus status) {
     Task* task = context.project.Tasks().Item(key);
     if (!task) return false;
-    task->Status = int(TaskStatus::Completed);
+    task->Status = std::int16_t(status);
     task->Modified = context.frame.clock.Now();
     task->ModifiedBy = context.frame.system.UserName();
     context.project.IsDirty = true;
     context.workspace.RefreshTasks();
     return true;
+}
+
+bool MarkTaskComplete(ProjectContext& context, const std::string& key) {
+    return SetTaskStatus(context, key, TaskStatus::Completed);
 }
 
 }  // namespace pw

@@ -26,11 +26,12 @@ std::string StatusText(int status);      ///< "" out of range
 std::string PriorityText(int priority);  ///< "" out of range
 
 /** A task as a row of the task explorer: name, priority, status, assigned to, complete by. Its key
- *  and tag are the task's key. */
+ *  and tag are the task's key; a finished one is ticked and dimmed. */
 ListRow TaskRow(const Task& task);
 std::vector<ListColumn> TaskColumns();
 
-/** Sets the task's status to completed. False when there is no such task. */
+/** False when there is no such task. */
+bool SetTaskStatus(ProjectContext& context, const std::string& key, TaskStatus status);
 bool MarkTaskComplete(ProjectContext& context, const std::string& key);
 
 }  // namespace pw

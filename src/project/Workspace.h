@@ -12,12 +12,19 @@ namespace pw {
 
 class HtmlEditor;
 
+/** Which view of an open page is up. */
+namespace ViewState {
+constexpr int Normal = 1;
+constexpr int Html = 2;
+constexpr int Preview = 3;
+}  // namespace ViewState
+
 /** A page that stands open in a window. */
 class OpenPage {
   public:
     virtual ~OpenPage() = default;
     virtual const std::string& PageKey() const = 0;
-    /** 1 normal, 2 HTML, 3 preview. */
+    /** A ViewState. */
     virtual int CurrentViewState() const = 0;
     virtual void SetToNormalEditMode() = 0;
     /** Takes over what the user did in whichever view is up, and waits until nothing is due. */
@@ -72,6 +79,20 @@ class Workspace {
     virtual void ApplyDefaultFont(const std::string& font, int size) = 0;
     /** Size in the status bar to zero, auto-save counter to "0", explorers and clipboard empty. */
     virtual void ResetForNewProject() = 0;
+};
+
+/** The pointer of a stretch of work, for as long as it lives; they may lie within each other. */
+class BusyPointer {
+  public:
+    explicit BusyPointer(Workspace& workspace) : workspace_(workspace) {
+        workspace_.ShowBusyPointer(true);
+    }
+    ~BusyPointer() { workspace_.ShowBusyPointer(false); }
+    BusyPointer(const BusyPointer&) = delete;
+    BusyPointer& operator=(const BusyPointer&) = delete;
+
+  private:
+    Workspace& workspace_;
 };
 
 }  // namespace pw

@@ -3,8 +3,11 @@
 
 #include <sys/wait.h>
 
+#include "frame/FunctionLibrary.h"
 #include "platform/SystemInfo.h"
 #include "platform/posix/ProjectLock.h"
+#include "platform/posix/RunFolder.h"
+#include "project/omProj/Project.h"
 #include "support/LinkCheck.h"
 #include "support/TemporaryFolder.h"
 
@@ -86,7 +89,7 @@ TEST_F(CliTest, DoesAWholeJob) {
                 testing::HasSubstr("\"VersionMajor\": 4, "));
 
     EXPECT_EQ(Cli({"rename", project, "W0001F0001", "texts"}).code, 0);
-    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "New <title>"}).code, 0);
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "New <title>", "--title"}).code, 0);
     EXPECT_THAT(Cli({"list", project}).output,
                 testing::HasSubstr("W0001F0001P0001\ttexts/b.htm\tNew <title>\n"));
 
@@ -99,6 +102,97 @@ TEST_F(CliTest, DoesAWholeJob) {
     EXPECT_EQ(Cli({"remove", project, "W0001F0001"}).code, 0);
     EXPECT_EQ(Cli({"list", project}).Lines().size(), 1u);
     EXPECT_EQ(Leftovers(), 0);
+}
+
+TEST_F(CliTest, RenamesPagesAndListsLinks) {
+    folder.Put("in\\index.html",
+               "<title>Home</title><a href=\"sub/b.html#x\">b</a>"
+               "<a href=http://example.org>w</a><a href=gone.htm>g</a>");
+    folder.Put("in\\sub\\b.html", "<title>B</title><a name=x href=../index.html>h</a>");
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    ASSERT_EQ(Cli({"add", project, Path("in")}).code, 0);
+    EXPECT_EQ(Cli({"links", project}).output,
+              "W0001P0001\tindex.htm\tsub/b.htm#x\tstands\n"
+              "W0001P0001\tindex.htm\thttp://example.org\tnot tested\n"
+              "W0001P0001\tindex.htm\tgone.htm\tmissing\n"
+              "W0001F0001P0001\tsub/b.htm\t../index.htm\tstands\n");
+
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "news"}).output, "");
+    EXPECT_EQ(Cli({"rename", project, "W0001P0001", "start.html"}).output, "");
+    EXPECT_EQ(Cli({"list", project}).output,
+              "W0001P0001\tstart.html\tHome\n"
+              "W0001F0001\tsub/\tsub\n"
+              "W0001F0001P0001\tsub/news.htm\tB\n");
+    EXPECT_EQ(Cli({"cat", project, "W0001F0001P0001"}).output,
+              "<title>B</title><a name=x href=../start.html>h</a>");
+    EXPECT_EQ(Cli({"links", "--json", project}).Lines().at(1),
+              "  {\"key\": \"W0001P0001\", \"file\": \"start.html\", \"target\": "
+              "\"sub/news.htm\", \"state\": \"stands\"},");
+    const Outcome taken = Cli({"rename", project, "W0001P0001", "start.html"});
+    EXPECT_EQ(taken.code, 1);
+    EXPECT_EQ(taken.output, "The page already has this file name.\n");
+    EXPECT_EQ(Leftovers(), 0);
+}
+
+TEST_F(CliTest, ListsAndSetsVariables) {
+    folder.Put("in.html", "<title>Home</title><a type=omMerge name=Slogan>x</a>");
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    ASSERT_EQ(Cli({"add", project, Path("in.html")}).code, 0);
+    EXPECT_EQ(Cli({"variable", project, "Slogan=Buy & save", "Year=2026"}).output, "");
+    EXPECT_EQ(Cli({"variable", project, " slogan = a=b ", "Year="}).output, "");
+    const auto lines = Cli({"variable", project}).Lines();
+    ASSERT_EQ(lines.size(), 28u);
+    EXPECT_EQ(lines[0], "custom\tslogan\ta=b");
+    EXPECT_EQ(lines[1], "custom\tYear\t");
+    EXPECT_EQ(lines[2], "standard\tProject Name\tp");
+    EXPECT_EQ(Cli({"variable", project, "--json"}).Lines().at(1),
+              "  {\"kind\": \"custom\", \"name\": \"slogan\", \"value\": \"a=b\"},");
+    EXPECT_THAT(Cli({"cat", project, "W0001P0001"}).output, testing::HasSubstr(">a=b</a>"));
+}
+
+TEST_F(CliTest, ListsTasks) {
+    const std::string file = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", file}).code, 0);
+    EXPECT_EQ(Cli({"tasks", file}).output, "");
+    EXPECT_EQ(Cli({"tasks", file, "--json"}).output, "[]\n");
+    {
+        const auto files = MakePosixFileSystem();
+        Project project(*files);
+        project.WorkingFolder = GetParentFolder(folder.Put("work\\x", ""));
+        ASSERT_EQ(project.Load(folder.Path("p.pwp")), ProjectResult::Success);
+        Task* task = project.Tasks().Add("{key}");
+        task->Name = "Check\tlinks";
+        task->Priority = 2;
+        task->Status = 4;
+        task->AssignedTo = "Ann";
+        task->CompleteBy = MakeDate(2026, 12, 24, 0, 0, 0);
+        task->PublishingDependent = true;
+        ASSERT_EQ(project.Save(folder.Path("p.pwp")), ProjectResult::Success);
+    }
+    EXPECT_EQ(Cli({"tasks", file}).output,
+              "Check links\tHigh\tWaiting on someone else\tAnn\t2026-12-24\n");
+    EXPECT_THAT(Cli({"tasks", file, "--json"}).output,
+                testing::HasSubstr("\"completeBy\": \"2026-12-24\", "
+                                   "\"publishingDependent\": true, "));
+}
+
+TEST_F(CliTest, SweepsWhatAKilledRunHasLeft) {
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    const auto files = MakePosixFileSystem();
+    const std::string temporary = FindPlaces(Path("profile")).temporaryFolder;
+    std::string killed;
+    {
+        const auto run = RunFolder::Create(*files, temporary);
+        killed = run->Path();
+        ASSERT_EQ(files->Write(killed + "\\page.htm", "text"), FileError::None);
+    }
+    const auto living = RunFolder::Create(*files, temporary);
+    EXPECT_EQ(Cli({"list", project}).code, 0);
+    EXPECT_FALSE(files->Stat(killed).exists);
+    EXPECT_TRUE(files->Stat(living->Path()).exists);
 }
 
 TEST_F(CliTest, SaysWhatIsWrong) {
@@ -131,6 +225,17 @@ TEST_F(CliTest, SaysWhatIsWrong) {
         {{"cat", project, "W0001"}, 1, "no page"},
         {{"remove", project, "W0001"}, 1, "no item"},
         {{"rename", project, "W0001", "x"}, 1, "Only folders and pages"},
+        {{"rename", project, "W0001P0001", "x"}, 1, "no item"},
+        {{"rename", "--help"}, 0, "--title"},
+        {{"links", Path("no.pwp")}, 1, "does not exist"},
+        {{"links", "--help"}, 0, "\"not tested\""},
+        {{"tasks", project, "--all"}, 2, "no option --all"},
+        {{"tasks", "--help"}, 0, "priority"},
+        {{"variable", "--help"}, 0, "[NAME=VALUE...]"},
+        {{"variable", project, "Slogan"}, 2, "NAME=VALUE"},
+        {{"variable", project, "company name=x"}, 2, "set PROJECT.pwp CompanyName=VALUE"},
+        {{"variable", project, "Project Pages=3"}, 2, "by itself"},
+        {{"variable", project, "a<b=3"}, 1, "Invalid name."},
         {{"set", project, "Name"}, 2, "NAME=VALUE"},
         {{"set", project, "Colour=red"}, 2, "no property 'Colour'"},
         {{"set", project, "VersionMajor=two"}, 2, "takes a number"},

@@ -106,10 +106,12 @@ TEST(ElementRecognition, WritesIntoOpenAndClosedPages) {
 
     program.page().CloseWindow();
     program.Settle();
+    program.project().IsDirty = false;
     InsertScript(project, key, ScriptPlace::Body, {"", "f();", "text/javascript", false, ""});
     const std::string file = ReadTextFile(program.frame().files, GetPage(project, key)->Filename);
     EXPECT_NE(file.find("<script type=\"text/javascript\">f();</script>"), std::string::npos)
         << file;
+    EXPECT_TRUE(program.project().IsDirty) << "the file is the project's";
     EXPECT_EQ(GetElementAtCaret(project, key), nullptr);
 }
 

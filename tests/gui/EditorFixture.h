@@ -9,9 +9,20 @@
 #include <QWebEngineScript>
 #include <algorithm>
 
+#include "gui/PageScript.h"
 #include "platform/qt/editor/EditorView.h"
 
 namespace pw::test {
+
+/** A page with something of everything. */
+inline constexpr char kPage[] =
+    "<!DOCTYPE html>\r\n<HTML><Head><title>A page</title>\r\n</head>\r\n"
+    "<BODY bgcolor=white onload='go()'>\r\n<h1>Heading</h1>\r\n"
+    "<P align=left>One <b>two</b> three &amp; four\r\n<p>Second paragraph\r\n"
+    "<TABLE border=0 width=200><tr><td>cell one<td>cell two</table>\r\n"
+    "<img src='data:image/gif;base64,R0lGODlhAQABAAAAACwAAAAAAQABAAAC' width=80 height=60 "
+    "alt=picture>\r\n<!-- remark -->\r\n"
+    "<form><input name=q size=10 value=ask></form>\r\n</BODY></HTML>\r\n";
 
 class EditorFixture : public testing::Test {
   protected:
@@ -35,15 +46,21 @@ class EditorFixture : public testing::Test {
 
     /** Runs a script in the editor's world and waits for its value. */
     QVariant evaluate(const QString& script) {
-        QVariant value;
-        bool done = false;
-        view.view()->page()->runJavaScript(script, QWebEngineScript::ApplicationWorld,
-                                           [&](const QVariant& result) {
-                                               value = result;
-                                               done = true;
-                                           });
-        EXPECT_TRUE(QTest::qWaitFor([&] { return done; }, 30000));
-        return value;
+        return test::RunInPage(*view.view()->page(), script, QWebEngineScript::ApplicationWorld);
+    }
+
+    /** A place in an element, as parts of its width and height, for the mouse. */
+    QPoint at(const QString& selector, double x = 0.5, double y = 0.5) {
+        const QRectF box = boxOf(selector);
+        return {int(box.left() + box.width() * x), int(box.top() + box.height() * y)};
+    }
+    QRectF boxOf(const QString& selector) {
+        const QVariantList box =
+            evaluate(QStringLiteral("(b => [b.left, b.top, b.width, b.height])"
+                                    "(document.querySelector('%1').getBoundingClientRect())")
+                         .arg(selector))
+                .toList();
+        return {box[0].toDouble(), box[1].toDouble(), box[2].toDouble(), box[3].toDouble()};
     }
 
     /** The view's tree as text. */

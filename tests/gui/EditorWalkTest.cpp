@@ -5,6 +5,8 @@
 #include <random>
 
 #include "EditorFixture.h"
+#include "platform/editor/LayerCommands.h"
+#include "platform/editor/TableCommands.h"
 
 namespace pw {
 namespace {
@@ -53,6 +55,36 @@ class EditorWalkTest : public EditorFixture {
         document->setSelection({dom::SelectionType::Text, anchor, focus, nullptr});
     }
 
+    /** A command on the cells that a selection touches, most often within one table. */
+    std::string tableStep() {
+        const auto cells = document->tags("td");
+        if (cells.empty()) return "no table";
+        const std::size_t first = pick(cells.size());
+        const std::size_t last = std::min(first + pick(5), cells.size() - 1);
+        document->setSelection(
+            {dom::SelectionType::Text, {cells[first], 0}, {cells[last], 0}, nullptr});
+        const auto command = TableCommand(pick(8));
+        RunTableCommand(*document, command);
+        return "table command " + std::to_string(int(command));
+    }
+
+    /** A command on an object, or one moved and resized as the mouse does it. */
+    std::string layerStep() {
+        static constexpr const char* kObjects[] = {"img", "table", "ul", "h2"};
+        const auto objects = document->tags(kObjects[pick(std::size(kObjects))]);
+        if (objects.empty()) return "no object";
+        dom::Node* object = objects[pick(objects.size())];
+        document->setSelection({dom::SelectionType::Control, {}, {}, object});
+        if (pick(3) == 0) {
+            PlaceObject(*document, *object, {int(pick(90)), int(pick(90)), 50, 40});
+            return "place";
+        }
+        const auto command = LayerCommand(pick(2) ? 0 : pick(8));
+        RunLayerCommand(*document, command,
+                        [this](const dom::Node& node) { return view.FreePlaceOf(node); });
+        return "layer command " + std::to_string(int(command));
+    }
+
     /** One step; its name, for the message of a failure. */
     std::string step() {
         struct Command {
@@ -81,7 +113,7 @@ class EditorWalkTest : public EditorFixture {
             {"insertHTML", "<p>new <i>it</i></p><table><tr><td>q</table>", false},
         };
         constexpr std::size_t count = std::size(commands);
-        const std::size_t which = pick(count + 8);
+        const std::size_t which = pick(count + 12);
         if (which < count) {
             const Command& command = commands[which];
             command.range ? selectSome() : putCaret();
@@ -119,6 +151,12 @@ class EditorWalkTest : public EditorFixture {
                 view.Flush();
                 QTest::keyClicks(keyboard(), "ab");
                 return "keys";
+            case 7:
+            case 8:
+                return tableStep();
+            case 9:
+            case 10:
+                return layerStep();
             default:
                 putCaret();
                 view.Flush();

@@ -16,6 +16,7 @@
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTreeView>
@@ -58,6 +59,8 @@ TEST(Forms, AllLoadAndNameTheirWidgetsOnce) {
         ASSERT_TRUE(form) << name.toStdString();
         QStringList names;
         for (const QWidget* widget : form->findChildren<QWidget*>()) {
+            // A tab bar's own arrows.
+            if (qobject_cast<const QTabBar*>(widget->parent())) continue;
             const QString child = widget->objectName();
             if (child.isEmpty() || child.startsWith(u"qt_")) continue;
             EXPECT_FALSE(names.contains(child))
@@ -241,8 +244,8 @@ TEST_F(FormBinderTest, ComboBoxes) {
     EXPECT_EQ(list->currentText(), "two");
     typed->lineEdit()->selectAll();
     QTest::keyClicks(typed->lineEdit(), "arial");
-    EXPECT_EQ(typedModel.ListIndex(), 0);
-    EXPECT_EQ(typed->currentText(), "arial") << "what is typed stays under the caret";
+    EXPECT_EQ(typedModel.Text(), "arial") << "what is typed stays as it is";
+    EXPECT_EQ(typed->currentText(), "arial");
 }
 
 TEST_F(FormBinderTest, NumbersColorsAndTabs) {

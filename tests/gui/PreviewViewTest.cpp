@@ -7,6 +7,7 @@
 #include <QTest>
 #include <QWebEngineView>
 
+#include "gui/PageScript.h"
 #include "platform/qt/QtText.h"
 
 namespace pw {
@@ -24,15 +25,8 @@ struct PreviewViewTest : testing::Test {
         EXPECT_TRUE(QTest::qWaitFor([this] { return !view.Busy(); }, 20000));
     }
     std::string ask(const char* script) {
-        QVariant answer;
-        bool answered = false;
-        view.findChild<QWebEngineView*>()->page()->runJavaScript(script,
-                                                                 [&](const QVariant& value) {
-                                                                     answer = value;
-                                                                     answered = true;
-                                                                 });
-        EXPECT_TRUE(QTest::qWaitFor([&] { return answered; }, 10000));
-        return fromQt(answer.toString());
+        auto& page = *view.findChild<QWebEngineView*>()->page();
+        return fromQt(test::RunInPage(page, QString::fromUtf8(script)).toString());
     }
 };
 
@@ -60,15 +54,32 @@ TEST_F(PreviewViewTest, LargePagesAreShownWhole) {
 }
 
 TEST_F(PreviewViewTest, LinksAreAskedFor) {
-    show("<a href=b.htm id=a>b</a>");
-    std::string asked;
+    show(
+        "<a href=b.htm id=own>b</a><a href=c.htm><b id=inner>c</b></a>"
+        "<a href=d.htm target=_blank id=window>d</a>"
+        "<a href='JavaScript:void(0)' id=nothing onclick=\"document.title='pressed'\">e</a>"
+        "<a href='javascript:void(0)'><b id=within>f</b></a>");
+    std::vector<std::string> asked;
     view.events.clicked = [&](const std::string& href, const std::string&) {
-        asked = href;
+        asked.push_back(href);
         return false;
     };
-    ask("document.getElementById('a').click()");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !asked.empty(); }, 5000));
-    EXPECT_EQ(asked, base + "b.htm");
+    struct Row {
+        const char* id;
+        const char* leadsTo;  ///< none: nothing happens
+    };
+    for (const Row& row : {Row{"nothing", nullptr},
+                           {"within", nullptr},
+                           {"own", "b.htm"},
+                           {"inner", "c.htm"},
+                           {"window", "d.htm"}}) {
+        asked.clear();
+        ask(("document.getElementById('" + std::string(row.id) + "').click()").c_str());
+        const bool wasAsked =
+            QTest::qWaitFor([&] { return !asked.empty(); }, row.leadsTo ? 5000 : 200);
+        EXPECT_EQ(wasAsked ? asked[0] : "", row.leadsTo ? base + row.leadsTo : "") << row.id;
+    }
+    EXPECT_EQ(ask("document.title"), "pressed") << "the page's own scripts run all the same";
 }
 
 }  // namespace

@@ -7,73 +7,21 @@
 #include <QDir>
 #include <QMenu>
 #include <QMessageBox>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
-#include <QVBoxLayout>
 
-#include "mainwindow/Program.h"
-#include "mainwindow/frmDocument.h"
+#include "gui/EveryDialog.h"
+#include "gui/ShownProgram.h"
 #include "platform/qt/CommandBarView.h"
+#include "platform/qt/DialogForm.h"
 #include "platform/qt/DocumentWindow.h"
-#include "platform/qt/FormBinder.h"
-#include "platform/qt/MainWindow.h"
 #include "platform/qt/QtDialogHost.h"
-#include "platform/qt/QtMessageLoop.h"
+#include "platform/qt/QtText.h"
 #include "platform/qt/Theme.h"
-#include "platform/qt/editor/EditorView.h"
-#include "support/TestContext.h"
-#include "support/TestPlaces.h"
 
 namespace pw {
 namespace {
-
-/** The program itself in a profile of its own, with real windows. */
-struct ShownProgram {
-    explicit ShownProgram(const std::string& file) {
-        EXPECT_TRUE(SetRegText(*outer.hive, "General", "First Name", "Ann"));
-        EXPECT_TRUE(SetRegText(*outer.hive, "General", "User E-mail", "ann@example.org"));
-        EXPECT_TRUE(SetRegNumber(*outer.hive, "Other", "Skill Level", 2));
-        Places places = outer.frame.places;
-        places.programFolder =
-            GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
-        ProgramParts parts;
-        parts.makeWindow = [this]() -> MainWindowSurface& { return window; };
-        parts.bindWindow = [this](frmMDIMain& controls) {
-            window.bind(controls, controls.barMain, {});
-        };
-        const FrameContext& frame = outer.frame;
-        program =
-            std::make_unique<Program>(World{frame.files, frame.hive, frame.clock, frame.system,
-                                            loop, frame.dialogs, frame.clipboard, frame.launcher},
-                                      places, std::move(parts));
-        EXPECT_EQ(program->Start(file), StartupResult::Running);
-        window.showNormal();
-        window.resize(1200, 800);
-        settle();
-    }
-    ~ShownProgram() {
-        program->Shutdown();
-        window.unbind();
-        program.reset();
-    }
-    /** Until the page in front can be looked at. */
-    void settle() {
-        const auto idle = [this] {
-            const frmDocument* page = program->Window().Context().CurrentDocument();
-            return !page || !page->docDHTMLEditor.Busy();
-        };
-        EXPECT_TRUE(QTest::qWaitFor(idle, 20000));
-        QTest::qWait(400);
-    }
-
-    test::TestContext outer;
-    QtMessageLoop loop;
-    MainWindow window{[](QWidget* parent) {
-        auto* view = new EditorView(parent);
-        return EditorParts{view, view};
-    }};
-    std::unique_ptr<Program> program;
-};
 
 class Album {
   public:
@@ -92,16 +40,17 @@ class Album {
 };
 
 void keepMainWindow(const Album& album) {
-    const std::string data =
-        GetParentFolder(GetParentFolder(FromNativePath(test::kTestData))) + "\\data";
-    ShownProgram shown(data + "\\example\\index.html");
+    test::TestContext outer;
+    test::ShownProgram shown(outer, test::ShownProgram::DataFolder() + "\\example\\index.html");
     MainWindow& window = shown.window;
-    album.keep(window, "normal");
-    auto* document = shown.program->Window().Context().CurrentDocument();
+    window.showNormal();
+    window.resize(1200, 800);
+    shown.Settle();
+    auto* document = shown.Main().Context().CurrentDocument();
     ASSERT_TRUE(document);
     for (const auto& [view, name] : {std::pair{View::Html, "source"}, {View::Preview, "preview"}}) {
         document->Surface().events.tabPressed(view);
-        shown.settle();
+        shown.Settle();
         QTest::qWait(1000);
         album.keep(window, name);
     }
@@ -122,20 +71,59 @@ void keepMainWindow(const Album& album) {
     }
 }
 
-void keepForms(const Album& album) {
-    for (const QString& name : formNames()) {
-        QDialog dialog;
-        auto* layout = new QVBoxLayout(&dialog);
-        layout->setContentsMargins(0, 0, 0, 0);
-        QWidget* form = loadForm(name).release();
-        const QSize size = form->size();
-        layout->addWidget(form);
-        dialog.resize(size);
-        auto* tabs = form->findChild<QTabWidget*>();
-        for (int page = 0; page < (tabs ? tabs->count() : 1); ++page) {
-            if (tabs) tabs->setCurrentIndex(page);
-            album.keep(dialog, tabs ? QStringLiteral("%1-%2").arg(name).arg(page) : name);
+void keepFinding(const Album& album) {
+    test::TestContext outer;
+    QtDialogHost dialogs;
+    test::ShownProgram shown(outer, test::ShownProgram::DataFolder() + "\\example\\index.html", 2,
+                             &dialogs);
+    dialogs.setParent(&shown.window);
+    shown.window.showNormal();
+    shown.window.resize(1200, 800);
+    for (const auto& [tool, name] :
+         {std::pair{frmFindReplace::kFind, "find"}, {frmFindReplace::kReplace, "replace"}}) {
+        shown.window.bars()->action(tool)->trigger();
+        frmFindReplace& form = *shown.Main().Context().Finder->Form();
+        form.txtFind.SetText("street");
+        form.txtReplace.SetText("Road");
+        if (tool == frmFindReplace::kFind) form.cmdProcess[0].UserClick();
+        for (QDialog* dialog : shown.window.findChildren<QDialog*>())
+            if (dialog->isVisible()) album.keep(*dialog, name);
+    }
+    album.keep(shown.window, "found");
+}
+
+void keepDialogs(const Album& album) {
+    test::TestProgram program;
+    test::VisitEveryDialog(program, [&album](Dialog& dialog) {
+        const QString name = toQt(dialog.FormName());
+        dialog.SetOpen(true);
+        {
+            DialogForm form(dialog, nullptr, {});
+            dialog.Form_Load();
+            auto* tabs = form.window().findChild<QTabWidget*>();
+            for (int page = 0; page < (tabs ? tabs->count() : 1); ++page) {
+                if (tabs) tabs->setCurrentIndex(page);
+                album.keep(form.window(),
+                           tabs ? QStringLiteral("%1-%2").arg(name).arg(page) : name);
+            }
         }
+        dialog.SetOpen(false);
+        dialog.Form_Unload();
+    });
+}
+
+/** What each kind of user sees first. */
+void keepSkillLevels(const Album& album) {
+    const std::pair<int, const char*> levels[] = {
+        {0, "beginner"}, {1, "intermediate"}, {2, "advanced"}};
+    for (const auto& [level, name] : levels) {
+        test::TestContext outer;
+        test::ShownProgram shown(outer, test::ShownProgram::DataFolder() + "\\example\\index.html",
+                                 level);
+        shown.window.showNormal();
+        shown.window.resize(1200, 800);
+        shown.Settle();
+        album.keep(shown.window, name);
     }
 }
 
@@ -161,7 +149,9 @@ TEST(Screenshots, AreKept) {
         theme.setScheme(scheme);
         const Album album(folder, scheme == ColorScheme::Dark ? "dark" : "light");
         keepMainWindow(album);
-        keepForms(album);
+        keepFinding(album);
+        keepSkillLevels(album);
+        keepDialogs(album);
         keepMessage(album);
     }
     theme.setScheme(ColorScheme::Light);

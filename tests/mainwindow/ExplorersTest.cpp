@@ -3,9 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <random>
 
+#include "editing/ElementRecognition.h"
+#include "mainwindow/PageNodes.h"
+#include "mainwindow/Pictures.h"
 #include "mainwindow/UIState.h"
 #include "project/Folders.h"
+#include "project/Tasks.h"
 #include "support/TestProgram.h"
 
 namespace pw {
@@ -136,6 +141,138 @@ TEST_F(PageExplorer, OrdinaryTypingDoesNotRebuildIt) {
     EXPECT_EQ(Outline(tree.Roots()), "<BODY>(HR HR HR)");
 }
 
+/** What the view on the screen is told. */
+struct Counter : TreeObserver {
+    explicit Counter(TreeView& tree) : tree_(tree) { tree.SetTreeObserver(this); }
+    ~Counter() override { tree_.SetTreeObserver(nullptr); }
+    void TreeAboutToBeReset() override {}
+    void TreeReset() override { told += "reset "; }
+    void NodeAboutToBeAdded(TreeNode*, std::size_t) override {}
+    void NodeAdded() override { told += "add "; }
+    void NodeAboutToBeRemoved(TreeNode&) override {}
+    void NodeRemoved() override { told += "remove "; }
+    void NodeChanged(TreeNode& node) override { told += "change:" + node.text + " "; }
+    void NodeSelected(TreeNode*) override {}
+    std::string Told() { return std::exchange(told, ""); }
+    std::string told;
+    TreeView& tree_;
+};
+
+TEST_F(PageExplorer, TouchesOnlyWhatAnEditConcerns) {
+    Shown("<body><p>text</p><div><a href=x.htm>link</a></div><hr></body>");
+    frmDocument& page = program.page();
+    dom::Document& document = page.Document();
+    Counter view(tree);
+    const auto told = [&] {
+        UpdatePageExplorer(program.context(), page.PageKey());
+        return view.Told();
+    };
+    dom::Node* link = document.tags("a").front();
+    document.replaceText(*document.tags("p").front()->firstChild(), 4, 0, "s");
+    EXPECT_EQ(told(), "");
+    document.insertAdjacentHTML(*document.body(), "afterBegin", "<p>more</p>");
+    EXPECT_EQ(told(), "") << "a paragraph has no node";
+    EXPECT_EQ(tree.Roots().front()->children.front()->key,
+              "E" + std::to_string(document.sourceIndex(document.tags("div").front())));
+    document.setAttribute(*link, "href", "y.htm");
+    EXPECT_EQ(told(), "change:y.htm ");
+    document.insertAdjacentHTML(*link, "beforeEnd", "<img src=a.gif>");
+    EXPECT_EQ(told(), "add ");
+    document.undo();
+    EXPECT_EQ(told(), "remove ");
+    document.moveNode(*document.body(), *link, document.body()->firstChild());
+    EXPECT_EQ(told(), "remove add ");
+    EXPECT_EQ(Outline(tree.Roots()), "<BODY>(y.htm DIV HR)");
+}
+
+TEST_F(PageExplorer, StaysInStepThroughAnyEdits) {
+    Shown("<body><div><table><tr><td><img src=a.gif></td></tr></table></div><hr></body>");
+    frmDocument& page = program.page();
+    std::mt19937 random(4711);
+    const auto below = [&](std::size_t count) { return std::size_t(random()) % count; };
+    const char* bits[] = {"<hr>",
+                          "<p><a href=b.htm>x<img src=b.gif></a></p>",
+                          "<div><div><hr></div>text</div>",
+                          "<table><tr><td>1</td><td><input name=n></td></tr></table>",
+                          "<!-- note -->",
+                          "words"};
+    const char* wheres[] = {"beforeBegin", "afterBegin", "beforeEnd", "afterEnd"};
+    for (int step = 0; step < 400; ++step) {
+        dom::Document& document = page.Document();
+        if (document.all().size() > 150) document.setInnerHTML(*document.body(), "<p>again</p>");
+        const std::size_t first = std::size_t(document.sourceIndex(document.body()));
+        const std::size_t pick = first + below(document.all().size() - first);
+        dom::Node* element = document.all()[pick];
+        const bool body = element == document.body();
+        switch (below(7)) {
+            case 0:
+                if (!body) document.removeNode(*element);
+                break;
+            case 1:
+                if (element->isElement())
+                    document.setAttribute(*element, "name", "n" + std::to_string(step));
+                break;
+            case 2:
+                static_cast<void>(document.undo());
+                break;
+            case 3:
+                if (!body && !element->contains(*document.body()->firstChild()))
+                    document.moveNode(*document.body(), *element, document.body()->firstChild());
+                break;
+            case 4:
+                program.frame().settings.ShowCommentsInExplorer = below(2) == 0;
+                break;
+            default:
+                if (element->isElement())
+                    document.insertAdjacentHTML(*element, body ? "beforeEnd" : wheres[below(4)],
+                                                bits[below(std::size(bits))]);
+                break;
+        }
+        document.sealStep();
+        if (below(3) != 0) continue;  // several edits between two looks
+        UpdatePageExplorer(program.context(), page.PageKey());
+
+        std::map<const dom::Node*, std::string> lines;  // by element, for those with a node
+        std::string expected;
+        for (std::size_t i = std::size_t(document.sourceIndex(document.body()));
+             i < document.all().size(); ++i) {
+            const dom::Node* shown = document.all()[i];
+            if (!IsShownInExplorer(program.frame(), *shown)) continue;
+            const dom::Node* around = shown->parent();
+            while (around && !lines.count(around))
+                around = around->parent();
+            if (!around && !lines.empty()) around = document.body();
+            lines[shown] = (around ? lines[around] + "/" : "") + "E" + std::to_string(i);
+            expected += lines[shown] + MakePageNode(program.frame(), document, *shown).text + "\n";
+        }
+        std::string found;
+        const std::function<void(const TreeNode&, const std::string&)> walk =
+            [&](const TreeNode& node, const std::string& path) {
+                found += path + node.key + node.text + "\n";
+                EXPECT_EQ(tree.Find(node.key), &node);
+                for (const TreeNode* child : node.children)
+                    walk(*child, path + node.key + "/");
+            };
+        walk(*tree.Roots().front(), "");
+        ASSERT_EQ(found, expected) << "step " << step;
+    }
+}
+
+TEST_F(PageExplorer, APressOnANodeMeansItsElementEvenAfterEdits) {
+    Shown("<body><hr><div>here</div><hr></body>");
+    dom::Document& document = program.page().Document();
+    dom::Node* division = document.tags("div").front();
+    const std::string key = tree.Roots().front()->children[1]->key;
+    document.insertAdjacentHTML(*document.body(), "afterBegin", "<p>1</p><p>2</p>");
+    tree.UserSelect(key);
+    EXPECT_EQ(program.context().CurrentElement(), division);
+    const std::string now = tree.SelectedKey();
+    EXPECT_EQ(now, "E" + std::to_string(document.sourceIndex(division)));
+    document.removeNode(*division);
+    tree.UserSelect(now);
+    EXPECT_EQ(Outline(tree.Roots()), "<BODY>(HR HR)") << "what is gone is not selected";
+}
+
 TEST_F(PageExplorer, IsBuiltInOneWalk) {
     const auto milliseconds = [&](int count) {
         std::string body = "<body>";
@@ -145,6 +282,7 @@ TEST_F(PageExplorer, IsBuiltInOneWalk) {
         double best = 1e9;
         for (int run = 0; run < 3; ++run) {
             const auto start = std::chrono::steady_clock::now();
+            ClearPageExplorer(program.context());
             UpdatePageExplorer(program.context(), program.page().PageKey());
             const std::chrono::duration<double, std::milli> took =
                 std::chrono::steady_clock::now() - start;
@@ -188,6 +326,61 @@ TEST(ProjectExplorer, FollowsTheProject) {
     program.Press(201);
     EXPECT_EQ(folder->Name, "Goods");
     EXPECT_NE(Outline(tree.Roots()).find("Goods"), std::string::npos);
+}
+
+TEST(TaskExplorer, SortsByValuesAndTicksOffWhatIsDone) {
+    TestProgram program;
+    program.Press(3);
+    struct Row {
+        const char* name;
+        int priority;
+        int status;
+        double due;
+    };
+    const Row rows[] = {{"b", 2, 1, MakeDate(2026, 2, 1)},
+                        {"a", 0, 2, MakeDate(2026, 11, 1)},
+                        {"C", 1, 5, 0},
+                        {"d", 1, 1, MakeDate(2025, 12, 31)}};
+    for (const Row& row : rows) {
+        Task* task = program.project().Tasks().Add(row.name);
+        ASSERT_TRUE(task);
+        task->Name = row.name;
+        task->Priority = std::int16_t(row.priority);
+        task->Status = std::int16_t(row.status);
+        task->CompleteBy = row.due;
+    }
+    RefreshTasks(program.context());
+    ListView& list = program.window().lvwTasks;
+    const auto names = [&] {
+        std::string text;
+        for (int i = 0; i < list.Count(); ++i)
+            text += list.Row(i).cells[0];
+        return text;
+    };
+    const std::pair<int, const char*> presses[] = {
+        {0, "abCd"}, {0, "dCba"}, {1, "adCb"}, {1, "bdCa"}, {2, "bdaC"}, {4, "dbaC"}, {4, "Cabd"}};
+    list.SetSelected(2);
+    for (const auto& [column, order] : presses) {
+        list.UserColumnClick(column);
+        // Equal ones stay as they stood.
+        EXPECT_EQ(names(), order) << column;
+        EXPECT_EQ(list.Row(list.Selected()).key, "C");
+    }
+    EXPECT_TRUE(list.SortDescending());
+
+    program.project().IsDirty = false;
+    list.UserCheck(list.FindKey("b"), true);
+    EXPECT_EQ(program.project().Tasks().Item("b")->Status, int(TaskStatus::Completed));
+    EXPECT_TRUE(program.project().IsDirty);
+    EXPECT_EQ(names(), "Cabd") << "the order and the selection stay";
+    EXPECT_EQ(list.Row(list.Selected()).key, "C");
+    const ListRow done = list.Row(list.FindKey("b"));
+    EXPECT_EQ(done.cells[2], "Completed");
+    EXPECT_EQ(done.image, kPictureFinishedTask);
+    EXPECT_TRUE(done.dimmed);
+    list.UserCheck(list.FindKey("b"), false);
+    EXPECT_EQ(program.project().Tasks().Item("b")->Status, int(TaskStatus::NotStarted));
+    EXPECT_EQ(list.Row(list.FindKey("b")).image, kPictureTask);
 }
 
 TEST(Explorers, HideWithTheirFrame) {

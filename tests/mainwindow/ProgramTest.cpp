@@ -43,6 +43,23 @@ TEST(Program, AFreshStartShowsTheWelcomePage) {
     EXPECT_TRUE(program.surface.timerInterval > 0);
 }
 
+TEST(Program, TellsOfANewerVersionAtItsEnd) {
+    struct {
+        const char* newest;
+        bool told;
+    } const rows[] = {
+        {"", false}, {"1.9.9", false}, {"2.0.0", false}, {"2.0.1", true}, {"3", false}};
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.newest);
+        TestProgram program;
+        program.frame().settings.NewestVersion = row.newest;
+        if (row.told)
+            program.dialogs().ExpectMessage(Answer::Ok,
+                                            "This software has been updated to a newer version.");
+        EXPECT_TRUE(program.window().Form_QueryUnload());
+    }
+}
+
 TEST(Program, MakesEditsSavesReopensAndPublishesASite) {
     TestProgram program;
     const std::string file = program.frame().settings.ProjectsFolder + "\\site.pwp";
@@ -268,6 +285,37 @@ TEST(Program, AlignsTheSelectedTableItself) {
     // Without an engine the paragraph commands are off; the table takes its alignment all the same.
     MenuFormat(program.context(), 410);
     EXPECT_EQ(table->getAttribute("align"), "center");
+}
+
+TEST(Program, TableCommandsFollowTheCaret) {
+    TestProgram program;
+    program.Press(3);
+    frmDocument& page = program.page();
+    ASSERT_TRUE(page.SetHTML("<body><p>x</p><table><tr><td>a<td>b</table></body>"));
+    dom::Document& document = page.Document();
+    const auto caretIn = [&](dom::Node* element) {
+        document.collapse({element->firstChild(), 0});
+        ResetUI(program.context());
+    };
+    caretIn(document.tags("p").front());
+    for (int tool = 602; tool <= 609; ++tool)
+        EXPECT_FALSE(program.bar().IsEnabled(tool)) << tool;
+    caretIn(document.tags("td").front());
+    EXPECT_FALSE(program.bar().IsEnabled(608));
+    for (const int tool : {609, 606, 604, 602, 607, 605, 603})
+        program.Press(tool);
+    EXPECT_EQ(document.tags("tr").size(), 1u);
+    document.setSelection({dom::SelectionType::Text,
+                           {document.tags("td").front()->firstChild(), 0},
+                           {document.tags("td").back()->firstChild(), 1},
+                           nullptr});
+    program.Settle();
+    ResetUI(program.context());
+    program.Press(608);
+    EXPECT_EQ(document.tags("td").size(), 1u);
+    for (int step = 0; step < 8; ++step)
+        program.Press(101);
+    EXPECT_EQ(document.innerHTML(*document.body()), "<p>x</p><table><tr><td>a<td>b</table>");
 }
 
 TEST(Program, StatusShowsWhatACommandDoes) {

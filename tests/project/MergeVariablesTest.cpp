@@ -97,20 +97,79 @@ TEST(MergeVariables, AreWrittenIntoTheClosedPagesThatShowThem) {
     const auto written = [&](const Page* page) {
         return test.files->Stat(page->Filename).modified;
     };
-    const auto plainTime = written(plain);
-    const auto closedTime = written(closed);
+    const auto plainTime = test.Age(plain->Filename);
+    const auto closedTime = test.Age(closed->Filename);
 
-    EXPECT_TRUE(UpdateMergeVariablesInClosedPages(test.context, PagesToUpdate::All));
+    EXPECT_TRUE(UpdateMergeVariablesInClosedPages(test.context, PagesToUpdate::All).empty());
     EXPECT_EQ(written(closed), closedTime) << "nothing has changed";
 
     test.project.CompanyName = "Bob";
     UpdateProjectMergeVariables(test.context);
-    EXPECT_TRUE(UpdateMergeVariablesInClosedPages(test.context, PagesToUpdate::ClosedOnly));
+    EXPECT_TRUE(UpdateMergeVariablesInClosedPages(test.context, PagesToUpdate::ClosedOnly).empty());
     EXPECT_THAT(test.Text(closed->Filename), testing::HasSubstr(">Bob</a>"));
     EXPECT_THAT(test.Text(open->Filename), testing::HasSubstr(">Ann</a>"));
     EXPECT_EQ(written(plain), plainTime);
     UpdateMergeVariablesInOpenPages(test.context);
     EXPECT_THAT(test.workspace.Find(open->Key())->document->html(), testing::HasSubstr(">Bob</a>"));
+}
+
+TEST(MergeVariables, PagesThatShowThemAreNeitherParsedNorWrittenAnew) {
+    TestProject test;
+    test.project.BuildMode = false;
+    AddCustom(test, "Lines", "one\r\ntwo & <3>");
+    AddCustom(test,
+              "Gr\xC3\xB6\xC3\x9F"
+              "e",
+              "gro\xC3\x9F");
+    Page* page = test.Insert("page");
+    const auto write = [&](const std::string& bytes) {
+        EXPECT_EQ(test.files->Write(page->Filename, bytes), FileError::None);
+        const auto before = test.Age(page->Filename);
+        EXPECT_TRUE(UpdateMergeVariablesInClosedPages(test.context, PagesToUpdate::All).empty());
+        return test.files->Stat(page->Filename).modified == before
+                   ? "untouched"
+                   : dom::decode(test.Text(page->Filename)).text;
+    };
+    const auto anchor = [](const std::string& name, const std::string& text) {
+        return "<p><a type=omMerge name=" + name + ">" + text + "</a>";
+    };
+    const std::string shown = anchor("lines", "one<br>two &amp; &lt;3&gt;");
+    EXPECT_EQ(write(shown), "untouched");
+    EXPECT_EQ(write(anchor("lines", "one<BR>two &amp; &lt;3&gt;")), "untouched");
+    EXPECT_EQ(write("<!-- " + anchor("lines", "x") + " -->" + shown), "untouched");
+    EXPECT_EQ(write(anchor("lines", "one")), shown);
+    // In other encodings, too.
+    const std::string size = anchor(
+        "Gr\xC3\xB6\xC3\x9F"
+        "e",
+        "x");
+    for (const char* name : {"windows-1252", "utf-16le"}) {
+        const dom::Encoding encoding{name, name == std::string("utf-16le")};
+        EXPECT_THAT(write(dom::encode(size, encoding)), testing::HasSubstr(">gro\xC3\x9F</a>"));
+    }
+    EXPECT_EQ(write(anchor("lin&#101;s", "x")), anchor("lin&#101;s", "one<br>two &amp; &lt;3&gt;"));
+    EXPECT_EQ(write("<p><a type=\"om&#77;erge\" name=Lines></a>"),
+              "<p><a type=\"om&#77;erge\" name=Lines>one<br>two &amp; &lt;3&gt;</a>");
+}
+
+TEST(MergeVariables, OfPagesInOtherViewsAndOnFullDisks) {
+    TestProject test;
+    AddCustom(test, "Slogan", "new");
+    const std::string anchor = "<a type=omMerge name=Slogan>old</a>";
+    Page* open = test.Insert("open", "<p>x", {}, ShowInsertedPage::Yes);
+    Page* broken = test.Insert("broken");
+    auto& window = *test.workspace.Find(open->Key());
+    ASSERT_TRUE(window.SetHTML(anchor));
+    window.viewState = 2;
+    ASSERT_EQ(test.files->RemoveFile(broken->Filename), FileError::None);
+    ASSERT_EQ(test.files->MakeFolder(broken->Filename), FileError::None);
+    test.dialogs.ExpectMessage(Answer::Ok, "could not be brought up to date on 'broken'.");
+    UpdateMergeVariablesInAllPages(test.context, "Merge Variables");
+    EXPECT_EQ(window.document->html(), "<a type=omMerge name=Slogan>new</a>");
+    EXPECT_EQ(window.viewState, 2);
+    EXPECT_TRUE(open->IsDirty);
+    EXPECT_TRUE(window.document->undo());
+    EXPECT_EQ(window.document->html(), anchor);
 }
 
 TEST(PageCleaning, GivesPicturesTheirVirtualPathsAndLinesTheirEnds) {

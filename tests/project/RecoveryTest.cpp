@@ -6,7 +6,9 @@
 
 #include <random>
 
+#include "project/Folders.h"
 #include "project/Journal.h"
+#include "project/Links.h"
 #include "project/Pages.h"
 #include "project/frmRecover.h"
 #include "support/TestProject.h"
@@ -101,6 +103,28 @@ TEST(Recovery, BringsBackWhatWasNotSaved) {
     EXPECT_FALSE(FolderExists(*test.files, test.lost));
     ASSERT_TRUE(OpenProject(test.context, file, Silent::No));
     EXPECT_EQ(test.Text(test.frame.settings.MediaFolder + "\\b.gif"), "b");
+}
+
+TEST(Recovery, FollowsNewNamesBetweenTwoTicks) {
+    RunningProject test;
+    test.project.Name = "Shop";
+    Page* page = test.Insert("one");
+    Folder* folder = AddFolder(test.context, Container(*test.project.WebSites().Item(1)), {"old"});
+    ASSERT_TRUE(folder);
+    test.SaveAs("shop.pwp");
+    Page* below = test.Insert("two", "<p>below</p>", Container(*folder));
+    test.project.IsDirty = true;
+    test.Tick();
+    ASSERT_TRUE(RenamePage(test.context, *page, "new.htm", nullptr));
+    ASSERT_TRUE(RenameFolderOnDisk(test.context, *folder, "fresh"));
+    const std::string belowKey = below->Key();
+    test.Crash();
+
+    ASSERT_TRUE(RecoverProject(test.context, test.run, FindRecoverable(test.frame).at(0)));
+    EXPECT_EQ(test.project.PageCount(), 2);
+    EXPECT_EQ(GetFileName(test.project.FindPage("W0001P0001")->Filename), "new.htm");
+    EXPECT_NE(test.Text(test.project.FindPage(belowKey)->Filename).find("below"),
+              std::string::npos);
 }
 
 TEST(Recovery, NeverSavesOverAFileThatChangedSince) {

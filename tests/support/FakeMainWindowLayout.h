@@ -1,4 +1,6 @@
 #pragma once
+#include <array>
+#include <iterator>
 #include <set>
 #include <string>
 
@@ -25,12 +27,15 @@ class FakeMainWindowLayout : public MainWindowLayout {
     void ShowToolbar(const std::string& name, Visibility visibility) override {
         visibility == Visibility::Shown ? void(toolbars.insert(name)) : void(toolbars.erase(name));
     }
+    int SplitterSize(int index) const override { return splitters.at(std::size_t(index)); }
+    void SetSplitterSize(int index, int size) override { splitters.at(std::size_t(index)) = size; }
     void ShowStandardToolbars(int skillLevel) override { standardLevel = skillLevel; }
 
     WindowState state = WindowState::Normal;
     TwipRect geometry;
     std::set<int> explorers;
     std::set<std::string> toolbars;
+    std::array<int, std::size(kSplitterValues)> splitters{};
     int standardLevel = -1;  ///< of the last ShowStandardToolbars
 };
 

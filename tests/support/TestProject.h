@@ -1,5 +1,7 @@
 #pragma once
 // A project in memory with its scratch area on a real disk, in one line: `TestProject test;`.
+#include <chrono>
+#include <filesystem>
 #include <string>
 
 #include "project/InsertPage.h"
@@ -41,6 +43,13 @@ struct TestProject : TestContext {
         return frame.settings.ProjectFilename;
     }
     std::string Text(const std::string& path) { return ReadTextFile(*files, path); }
+    /** Makes a file an hour old, so that whoever writes it leaves a trace; returns its time. */
+    std::int64_t Age(const std::string& path) {
+        const std::filesystem::path native = ToNativePath(path);
+        std::filesystem::last_write_time(
+            native, std::filesystem::last_write_time(native) - std::chrono::hours(1));
+        return files->Stat(path).modified;
+    }
     std::string LastLogged() {
         const std::string log =
             ReadTextFile(*files, BuildPath(frame.settings.ProjectsFolder, "error.log"));

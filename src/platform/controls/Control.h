@@ -57,7 +57,8 @@ enum class ControlKind {
     Picture,
     Frame,
     UpDown,
-    DatePicker
+    DatePicker,
+    Splitter
 };
 
 class Control {

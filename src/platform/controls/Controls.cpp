@@ -134,7 +134,9 @@ void ComboBox::SetListIndex(int index) {
 }
 
 void ComboBox::SetText(const std::string& text) {
-    for (std::size_t i = 0; i < items_.size(); ++i) {
+    const auto exact = std::find(items_.begin(), items_.end(), text);
+    if (exact != items_.end()) return SetListIndex(int(exact - items_.begin()));
+    for (std::size_t i = 0; i < items_.size() && !editable_; ++i) {
         if (EqualsNoCase(items_[i], text)) return SetListIndex(int(i));
     }
     const std::string kept = editable_ ? text : std::string();
@@ -249,19 +251,38 @@ int ListView::FindKey(const std::string& key) const {
 void ListView::SortBy(int column) {
     descending_ = column == sortColumn_ && !descending_;
     sortColumn_ = column;
-    const bool numeric = column < int(columns_.size()) && columns_[std::size_t(column)].numeric;
-    const std::string selectedKey = selected_ >= 0 ? Row(selected_).key : std::string();
-    const auto cell = [column](const ListRow& row) {
-        return column < int(row.cells.size()) ? row.cells[std::size_t(column)] : std::string();
+    SortAgain();
+}
+
+void ListView::SortAgain() {
+    if (sortColumn_ < 0) return;
+    const auto column = std::size_t(sortColumn_);
+    const bool numeric = column < columns_.size() && columns_[column].numeric;
+    const auto text = [column](const ListRow& row) {
+        return column < row.cells.size() ? row.cells[column] : std::string();
     };
+    const auto number = [&](const ListRow& row) {
+        const auto found = row.order.find(sortColumn_);
+        return found == row.order.end() ? Val(text(row)) : found->second;
+    };
+    const auto isBefore = [&](const ListRow& a, const ListRow& b) {
+        if (numeric || a.order.count(sortColumn_) > 0) return number(a) < number(b);
+        return FoldCase(text(a)) < FoldCase(text(b));
+    };
+    const std::string selectedKey = selected_ >= 0 ? Row(selected_).key : std::string();
     std::stable_sort(rows_.begin(), rows_.end(), [&](const ListRow& a, const ListRow& b) {
-        const ListRow& low = descending_ ? b : a;
-        const ListRow& high = descending_ ? a : b;
-        if (numeric) return Val(cell(low)) < Val(cell(high));
-        return FoldCase(cell(low)) < FoldCase(cell(high));
+        return descending_ ? isBefore(b, a) : isBefore(a, b);
     });
     if (!selectedKey.empty()) selected_ = FindKey(selectedKey);
     Notify(Aspect::Items);
+}
+
+void ListView::UserColumnClick(int column) {
+    if (ColumnClick) {
+        ColumnClick(column);
+    } else {
+        SortBy(column);
+    }
 }
 
 void ListView::UserSelect(int index) {
@@ -277,10 +298,12 @@ void ListView::UserCheck(int index, bool checked) {
 
 // --- TreeView -----------------------------------------------------------------------------------
 
-std::size_t TreeNode::Index() const {
-    if (!parent) return 0;
-    const auto at = std::find(parent->children.begin(), parent->children.end(), this);
-    return std::size_t(at - parent->children.begin());
+std::size_t TreeNode::IndexAmong(const std::vector<TreeNode*>& siblings) const {
+    if (place_ >= siblings.size() || siblings[place_] != this) {
+        const auto at = std::find(siblings.begin(), siblings.end(), this);
+        place_ = std::size_t(at - siblings.begin());
+    }
+    return place_;
 }
 
 TreeNode* TreeView::Add(const std::string& parentKey, TreeNode node, int index) {
@@ -340,19 +363,26 @@ TreeNode* TreeView::Find(const std::string& key) const {
     return found == byKey_.end() ? nullptr : found->second.get();
 }
 
-bool TreeView::Rekey(const std::string& key, const std::string& newKey) {
-    if (Find(newKey)) return false;
-    auto handle = byKey_.extract(key);
-    if (handle.empty()) return false;
-    handle.key() = newKey;
-    handle.mapped()->key = newKey;
-    byKey_.insert(std::move(handle));
-    return true;
+void TreeView::RenewKeys(const std::function<std::string(const TreeNode&)>& keyOf) {
+    decltype(byKey_) renewed;
+    renewed.reserve(byKey_.size());
+    while (!byKey_.empty()) {
+        auto handle = byKey_.extract(byKey_.begin());
+        handle.mapped()->key = keyOf(*handle.mapped());
+        handle.key() = handle.mapped()->key;
+        renewed.insert(std::move(handle));
+    }
+    byKey_ = std::move(renewed);
 }
 
 void TreeView::SetNodeText(TreeNode& node, std::string text) {
-    if (node.text == text) return;
+    SetNodeLook(node, std::move(text), node.image);
+}
+
+void TreeView::SetNodeLook(TreeNode& node, std::string text, int image) {
+    if (node.text == text && node.image == image) return;
     node.text = std::move(text);
+    node.image = image;
     if (treeObserver_ && updating_ == 0) treeObserver_->NodeChanged(node);
 }
 
@@ -391,7 +421,8 @@ void Dialog::SetTitle(std::string title) {
 void Dialog::Close() {
     if (!open_) return;
     open_ = false;
-    if (onClose) onClose();
+    // A copy: whoever closes the window may take the handler away meanwhile.
+    if (const auto close = onClose) close();
 }
 
 }  // namespace pw

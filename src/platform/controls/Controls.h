@@ -120,8 +120,8 @@ class ComboBox : public Control {
     void SetListIndex(int index);
     /** The chosen item, or what was typed. */
     const std::string& Text() const { return text_; }
-    /** Chooses the item of that text without regard to case; else keeps it as typed text when the
-     *  box is editable, and chooses none when it is not. */
+    /** Chooses the item of that text. Else an editable box keeps it as typed text; another one
+     *  chooses the item that differs in case alone, or none. */
     void SetText(const std::string& text);
     Event<> Change;
     void UserSelect(int index) {
@@ -226,12 +226,15 @@ struct ListRow {
     int image = 0;  ///< number in the main image list; 0: none
     std::string tag;
     bool checked = false;
+    bool dimmed = false;  ///< done with, or not to be had
+    /** By column: the number to sort by where the text would sort wrongly, as that of a date. */
+    std::map<int, double> order;
 };
 
 struct ListColumn {
     std::string caption;
-    int width = 0;  ///< pixels; 0 leaves the form's own
-    bool numeric = false;
+    int width = 0;         ///< pixels; 0 leaves the form's own
+    bool numeric = false;  ///< set to the right and sorted as numbers
 };
 
 class ListView : public Control {
@@ -251,8 +254,13 @@ class ListView : public Control {
     int Selected() const { return selected_; }  ///< -1: none
     void SetSelected(int index);
     int FindKey(const std::string& key) const;  ///< index or -1
-    /** Sorts the rows by a column; again by the same one turns the order. */
+    /** Sorts the rows by a column; again by the same one turns the order. Equal ones stay as they
+     *  stood. The skin marks the column with an arrow. */
     void SortBy(int column);
+    /** Brings new rows into the order that the list has. */
+    void SortAgain();
+    int SortColumn() const { return sortColumn_; }  ///< -1: as they were added
+    bool SortDescending() const { return descending_; }
     Event<int> ItemClick;
     Event<> DblClick;
     Event<int> ColumnClick;
@@ -261,6 +269,8 @@ class ListView : public Control {
     Event<bool> MouseUp;
     void UserSelect(int index);
     void UserCheck(int index, bool checked);
+    /** A press on the heading sorts, unless the logic does something else there. */
+    void UserColumnClick(int column);
 
   private:
     std::vector<ListColumn> columns_;
@@ -276,13 +286,19 @@ struct TreeNode {
     std::string key;
     std::string text;
     std::string tag;
+    std::uint64_t id = 0;  ///< for the logic's use, as the tag
     int image = 0;
     int expandedImage = 0;  ///< 0: as image
     bool expanded = false;
     bool bold = false;
     TreeNode* parent = nullptr;
     std::vector<TreeNode*> children;
-    std::size_t Index() const;  ///< among its siblings
+    /** Its place among its siblings, which the caller knows: the parent's children or the roots.
+     * Quick where little has changed since it was last asked. */
+    std::size_t IndexAmong(const std::vector<TreeNode*>& siblings) const;
+
+  private:
+    mutable std::size_t place_ = 0;
 };
 
 /** What the skin's item model must hear to stay in step without a rebuild. */
@@ -313,11 +329,12 @@ class TreeView : public Control {
     void BeginUpdate();
     void EndUpdate();
     TreeNode* Find(const std::string& key) const;
-    /** Gives a node another key; the place stays. */
-    bool Rekey(const std::string& key, const std::string& newKey);
+    /** Gives every node a new key; the new ones must differ from each other. Nothing is told. */
+    void RenewKeys(const std::function<std::string(const TreeNode&)>& keyOf);
     const std::vector<TreeNode*>& Roots() const { return roots_; }
     std::size_t Count() const { return byKey_.size(); }
     void SetNodeText(TreeNode& node, std::string text);
+    void SetNodeLook(TreeNode& node, std::string text, int image);
     void SetExpanded(TreeNode& node, bool expanded);
     TreeNode* Selected() const { return selected_; }
     std::string SelectedKey() const { return selected_ ? selected_->key : std::string(); }

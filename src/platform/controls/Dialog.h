@@ -1,6 +1,7 @@
 #pragma once
-// A modal dialog: its control models and the handlers that a derived class sets on them. The form
-// of the same name (forms/frmX.ui) gives the layout; DialogHost::ShowModal shows it.
+// A dialog: its control models and the handlers that a derived class sets on them. The form of the
+// same name (forms/frmX.ui) gives the layout; DialogHost::ShowModal shows it, or DialogHost::Show
+// beside the main window.
 #include <functional>
 #include <string>
 
@@ -25,7 +26,7 @@ class Dialog : public ControlOwner {
     virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
 
-    /** Ends ShowModal. */
+    /** Ends ShowModal, or takes it off the screen. */
     void Close();
     bool IsOpen() const { return open_; }
 

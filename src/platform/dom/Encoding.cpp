@@ -124,12 +124,7 @@ void appendStray(Decoded& decoded, std::string_view bytes) {
 void decodeUtf8(std::string_view bytes, Decoded& decoded) {
     decoded.text.reserve(bytes.size());
     std::size_t copied = 0;
-    std::size_t at = 0;
-    while (at < bytes.size()) {
-        if (std::uint8_t(bytes[at]) < 0x80) {
-            ++at;
-            continue;
-        }
+    for (std::size_t at = AsciiEnd(bytes); at < bytes.size(); at = AsciiEnd(bytes, at)) {
         const std::size_t length = characterLength(bytes, at);
         // A page's own character of the private range would be written as a byte: keep its bytes
         // as strays, which come out as they went in.

@@ -142,6 +142,35 @@ std::string decodeReference(std::string_view run) {
     return text;
 }
 
+std::string decodeAttribute(std::string_view source) {
+    std::string value;
+    value.reserve(source.size());
+    std::size_t at = 0;
+    while (at < source.size()) {
+        const std::size_t next = std::min(source.find('&', at), source.size());
+        value.append(source, at, next - at);
+        at = next;
+        if (at == source.size()) break;
+        const std::string_view run = source.substr(at, runLength(source.substr(at)));
+        at += run.size();
+        std::string text(run);
+        // Unlike in text, a name that goes on, or in front of an equals sign, is none: queries are
+        // full of those.
+        const bool isEnded = run.back() == ';';
+        const bool isNumber = run.starts_with("&#");
+        const bool isOpen = !isEnded && at < source.size() && source[at] == '=';
+        if (run.size() > 1 && (isNumber || !isOpen)) {
+            const std::string decoded = decodeReference(run);
+            const char last = decoded.empty() ? 0 : decoded.back();
+            const bool isWhole =
+                isEnded ? last != ';' || decoded == ";" : !isLetter(last) && !isDigit(last);
+            if (isNumber || isWhole) text = decoded;
+        }
+        value += text;
+    }
+    return value.find('\r') == value.npos ? value : withLineFeeds(value);
+}
+
 Unit nextUnit(std::string_view source, std::string_view text, TextContext context) {
     if (source.empty()) return {};
     if (source.front() == '\r' && text.starts_with('\n')) {

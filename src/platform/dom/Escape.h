@@ -25,6 +25,9 @@ std::string escapeAttribute(std::string_view value, char quote, std::string_view
  *  it is no reference. */
 std::string decodeReference(std::string_view run);
 
+/** The value that these bytes between the quotes of an attribute stand for; line ends are LF. */
+std::string decodeAttribute(std::string_view source);
+
 /** The smallest stretch of bytes at `source`'s beginning that stands for a stretch of text at
  *  `text`'s beginning. `source` 0: the bytes do not stand for this text. */
 struct Unit {

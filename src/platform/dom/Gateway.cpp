@@ -9,7 +9,6 @@
 #include "platform/dom/SelectionUpkeep.h"
 #include "platform/dom/StartTag.h"
 #include "platform/dom/Tags.h"
-#include "platform/dom/TextSource.h"
 
 namespace pw::dom {
 
@@ -158,6 +157,30 @@ void Gateway::replaceText(Node& node, std::size_t offset, std::size_t removed,
         primitive.insertedSource = std::move(splice.inserted);
     }
     perform(std::move(primitive));
+}
+
+void Gateway::replaceStretches(Node& node, const std::vector<TextStretch>& stretches,
+                               std::string_view inserted) {
+    if (stretches.empty()) return;
+    constexpr auto kind = Change::Kind::ReplaceText;
+    const std::string changed = replaceInText(node.data_, stretches, inserted);
+    if (changed == node.data_) return;
+    if (node.isText() && node.sourced_) {
+        const std::string_view source = node.own_ ? std::string_view(*node.own_) : node.start_;
+        const auto bytes =
+            replaceInSource(source, node, stretches, inserted, document_.impl_->lineEnd);
+        if (bytes) return replaceSourcedText(node, changed, *bytes);
+    } else {
+        const std::size_t begin = stretches.front().offset;
+        const std::size_t behind =
+            node.data_.size() - stretches.back().offset - stretches.back().length;
+        const std::size_t removed = node.data_.size() - begin - behind;
+        return replaceText(node, begin, removed,
+                           changed.substr(begin, changed.size() - begin - behind), kind);
+    }
+    const Document::Step step(document_);
+    for (auto stretch = stretches.rbegin(); stretch != stretches.rend(); ++stretch)
+        replaceText(node, stretch->offset, stretch->length, inserted, kind);
 }
 
 void Gateway::replaceSourcedText(Node& node, std::string_view data, std::string_view bytes) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/dom/Document.h"
+#include "platform/dom/TextSource.h"
 
 namespace pw::dom {
 
@@ -61,6 +62,10 @@ class Gateway {
     void setAttribute(Node& element, std::string_view name, std::optional<std::string> value);
     void replaceText(Node& node, std::size_t offset, std::size_t removed, std::string_view inserted,
                      Change::Kind kind);
+    /** Puts `inserted` in the place of each of these stretches of a text, which are in order and
+     *  apart. */
+    void replaceStretches(Node& node, const std::vector<TextStretch>& stretches,
+                          std::string_view inserted);
     /** Makes a text that was read from the page another one with these bytes. */
     void replaceSourcedText(Node& node, std::string_view data, std::string_view bytes);
     /** Bytes alone. With `quirks` the page must be shown anew, in that mode. */

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "platform/dom/TagScan.h"
 #include "platform/dom/Tags.h"
 
 namespace pw::dom {
@@ -109,20 +110,12 @@ class Scan {
     };
 
     void skipDeclaration() {
-        if (markup_.substr(at_, 3) == "!--") {
-            // "<!-->" and "<!--->" are whole comments.
-            std::size_t end = markup_.find("-->", at_ + 1);
-            if (end == markup_.npos) end = markup_.size();
-            at_ = std::min(markup_.size(), end + 3);
-            return;
-        }
         if (foreign_ > 0 && markup_.substr(at_, 8) == "![CDATA[") {
             const std::size_t end = markup_.find("]]>", at_);
             at_ = end == markup_.npos ? markup_.size() : end + 3;
             return;
         }
-        const std::size_t end = markup_.find('>', at_);
-        at_ = end == markup_.npos ? markup_.size() : end + 1;
+        at_ = endOfDeclaration(markup_, at_ - 1);
     }
 
     Name readName() {
@@ -189,33 +182,6 @@ class Scan {
             ++at_;
     }
 
-    void skipRawText(std::string_view name) {
-        if (name == "plaintext") {
-            at_ = markup_.size();
-            return;
-        }
-        for (;;) {
-            const std::size_t end = markup_.find("</", at_);
-            if (end == markup_.npos) {
-                at_ = markup_.size();
-                return;
-            }
-            at_ = end + 2;
-            const std::string_view rest = markup_.substr(at_, name.size());
-            const bool same = rest.size() == name.size() &&
-                              std::equal(rest.begin(), rest.end(), name.begin(),
-                                         [](char a, char b) { return lower(a) == b; });
-            if (!same) continue;
-            const std::size_t behind = at_ + name.size();
-            if (behind < markup_.size() && !isBlank(markup_[behind]) && markup_[behind] != '/' &&
-                markup_[behind] != '>') {
-                continue;
-            }
-            at_ = end;
-            return;
-        }
-    }
-
     void startTag(const Name& name, std::string_view tag, bool selfClosing) {
         const std::string_view text = name.text;
         if (foreign_ == 0) {
@@ -223,8 +189,7 @@ class Scan {
                 text == "body")
                 return;
             if (isRawTextTag(text) || isEscapableRawTextTag(text)) {
-                const std::string copy(text);
-                skipRawText(copy);
+                at_ = endOfRawText(markup_, at_, text);
                 return;
             }
             endImplied(name);

@@ -151,6 +151,7 @@ void Parser::build(const GumboNode* from, Node* root) {
         Node* parent;
     };
     std::vector<Level> levels{{childrenOf(from), 0, root}};
+    std::vector<Node*> forms;
     while (!levels.empty()) {
         Level& level = levels.back();
         if (level.next == level.children->length) {
@@ -161,6 +162,7 @@ void Parser::build(const GumboNode* from, Node* root) {
         Node* parent = level.parent;
         Node* node = makeNode(child);
         Gateway::append(*parent, *node);
+        if (node->is("form")) forms.push_back(node);
         if (node->isText()) {
             node->raw_ = holdsRawText(*parent);
             separateTags(*node, node->raw_, isEscapableRawTextTag(parent->localName()));
@@ -169,6 +171,46 @@ void Parser::build(const GumboNode* from, Node* root) {
             levels.push_back({children, 0, node});
         }
     }
+    for (Node* form : forms)
+        takeLastText(*form);
+}
+
+/** The parser ends a form before it hands out the text in front of the end tag, which then stands
+ *  behind the form. */
+void Parser::takeLastText(Node& form) {
+    const char* const sourceEnd = source_.data() + source_.size();
+    const auto endOf = [](std::string_view bytes) { return bytes.data() + bytes.size(); };
+    const auto isText = [](const Node* node) {
+        return node && node->isText() && !node->start_.empty();
+    };
+    if (form.start_.empty() || !form.end_.empty() || !isText(form.next_)) return;
+    const char* const begin = form.next_->start_.data();
+    if (begin < endOf(form.start_)) return;
+    const std::string_view inside(endOf(form.start_), std::size_t(begin - endOf(form.start_)));
+    if (FindNoCase(inside, "</form") != inside.npos) return;  // the text is behind it indeed
+
+    for (Node* last = form.next_; isText(last); last = last->next_) {
+        const char* const behind = endOf(last->start_);
+        const std::string_view rest(behind, std::size_t(sourceEnd - behind));
+        const std::string_view tag = rest.substr(0, rest.find('>') + 1);
+        if (!endsElement(tag, "form")) continue;
+        form.end_ = tag;
+        moveInto(form, *last);
+        return;
+    }
+}
+
+/** All behind the element up to that sibling. */
+void Parser::moveInto(Node& element, Node& last) {
+    Node* const behind = last.next_;
+    for (Node* node = element.next_; node != behind;) {
+        Node* const next = node->next_;
+        node->previous_ = node->next_ = nullptr;
+        Gateway::append(element, *node);
+        node = next;
+    }
+    element.next_ = behind;
+    (behind ? behind->previous_ : element.parent_->last_) = &element;
 }
 
 Node* Parser::makeNode(const GumboNode* from) {

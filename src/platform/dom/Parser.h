@@ -26,6 +26,8 @@ class Parser {
     /** Bytes that lie in the text being read; others are the parser's inventions. */
     std::string_view bytes(const char* data, std::size_t length) const;
     void separateTags(Node& text, bool raw, bool escapable);
+    void takeLastText(Node& form);
+    static void moveInto(Node& element, Node& last);
     void dropBlanksBehindBody();
     bool checkSize(ParseError* error) const;
     bool inOrder(const Node& root) const;

@@ -127,6 +127,7 @@ Position deleteRange(Document& document, Position a, Position b) {
     for (Node* node : whole) {
         if (document.isConnected(node)) document.removeNode(*node);
     }
+    if (end.node->isText() && end.node->data().empty()) removeEmptied(document, *end.node);
     const bool joins = firstBlock && lastBlock && firstBlock != lastBlock &&
                        document.isConnected(lastBlock) && !isTablePart(*firstBlock) &&
                        !isTablePart(*lastBlock) && !lastBlock->contains(*firstBlock) &&
@@ -146,6 +147,22 @@ Position deleteRange(Document& document, Position a, Position b) {
     }
     removeWithEmptyParents(document, lastBlock, firstBlock);
     return begin;
+}
+
+Position removeEmptied(Document& document, Node& text) {
+    Node* node = &text;
+    // What has a name is there to be found by it.
+    const auto isFormattingOf = [](const Node* around, const Node* inner) {
+        return around && around->firstChild() == inner && around->lastChild() == inner &&
+               (isFormattingTag(around->localName()) || around->is("span")) &&
+               !around->hasAttribute("id") && !around->hasAttribute("name");
+    };
+    while (isFormattingOf(node->parent(), node))
+        node = node->parent();
+    if (!node->parent()) return {node, 0};
+    const Position place{node->parent(), node->index()};
+    document.removeNode(*node);
+    return place;
 }
 
 Node* splitText(Document& document, Node& text, std::size_t offset) {
@@ -201,6 +218,13 @@ Node* splitUpTo(Document& document, Position place, Node& limit) {
     return next;
 }
 
+/** Nothing that shows, but perhaps the break that keeps an empty line open. */
+bool holdsNothing(const Node& node) {
+    const Node* child = node.firstChild();
+    return !child || (!child->next() && (child->is("br") || child->data().empty()) &&
+                      !child->firstChild() && (child->isText() || child->is("br")));
+}
+
 Position behind(Node& node) {
     if (node.isText()) return {&node, node.data().size()};
     return {node.parent(), node.index() + 1};
@@ -216,6 +240,8 @@ Position insertNodesAt(Document& document, Position place, const std::vector<Nod
         std::any_of(nodes.begin(), nodes.end(), [](const Node* node) { return isBlock(*node); });
     if (!blocks || !block || !isParagraph(*block) || !block->parent()) {
         Node* container = place.node->isText() ? place.node->parent() : place.node;
+        // Blocks leave the formatting that the place is in: a paragraph within bold is none.
+        if (blocks && block) container = block;
         Node* next = splitUpTo(document, place, *container);
         for (Node* node : nodes)
             document.insertNode(*container, *node, next);
@@ -240,6 +266,8 @@ Position insertNodesAt(Document& document, Position place, const std::vector<Nod
     Node* inTail = tail ? tail->firstChild() : nullptr;
     for (std::size_t i = last; i < nodes.size(); ++i)
         document.insertNode(*tail, *nodes[i], inTail);
+    // An empty paragraph was there for the caret alone.
+    if (holdsNothing(*block)) document.removeNode(*block);
     return behind(*nodes.back());
 }
 

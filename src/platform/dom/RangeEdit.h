@@ -14,6 +14,10 @@ int comparePositions(const Position& a, const Position& b);
  *  one, the cells of a table stay. Returns where the caret then belongs. */
 Position deleteRange(Document& document, Position a, Position b);
 
+/** Takes out a text without a character, and the formatting around it that holds nothing else.
+ *  Returns the place where they stood. */
+Position removeEmptied(Document& document, Node& text);
+
 /** Inserts nodes that are not in the tree. Text goes into the paragraph, blocks split it. Returns
  *  the place behind them. */
 Position insertNodesAt(Document& document, Position place, const std::vector<Node*>& nodes);

@@ -4,7 +4,9 @@
 
 #include "platform/Text.h"
 #include "platform/dom/DocumentImpl.h"
+#include "platform/dom/Escape.h"
 #include "platform/dom/StartTag.h"
+#include "platform/dom/Tags.h"
 #include "platform/dom/Writer.h"
 
 namespace pw::dom {
@@ -97,7 +99,7 @@ SourceEdit::Hashes SourceEdit::hashesOf(const Document& document) {
     }
     for (auto at = order.rbegin(); at != order.rend(); ++at) {
         const Node& node = **at;
-        std::uint64_t hash = mix(piecesHash(node), hashes[node.id_]);
+        std::uint64_t hash = mix(piecesHash(node, document.impl_->lineEnd), hashes[node.id_]);
         for (const Node* child = node.first_; child; child = child->next_) {
             hash = mix(hash, hashes[child->id_]);
         }
@@ -106,16 +108,32 @@ SourceEdit::Hashes SourceEdit::hashesOf(const Document& document) {
     return hashes;
 }
 
-std::uint64_t SourceEdit::piecesHash(const Node& node) {
+std::uint64_t SourceEdit::piecesHash(const Node& node, std::string_view lineEnd) {
+    const bool raw = node.sourced_ ? node.raw_ : node.isText() && holdsRawText(*node.parent_);
     std::uint64_t hash = mix(std::uint64_t(node.type_) + 1, node.name_);
-    hash = mix(hash, std::uint64_t(node.foreign_) * 4 + std::uint64_t(node.clone_) * 2 + node.raw_);
+    hash = mix(hash, std::uint64_t(node.foreign_) * 4 + std::uint64_t(node.clone_) * 2 + raw);
     hash = mix(hash, node.data_);
-    // What has no bytes is written anew each time, and can only be kept when it is never read.
-    if (!node.sourced_) return mix(hash, node.id_ + 0x100000000u);
-    hash = mix(hash, node.lead_);
-    hash = mix(hash, node.own_ ? std::string_view(*node.own_) : node.start_);
-    hash = mix(hash, node.endLead_);
-    return mix(hash, node.end_);
+    if (node.sourced_) {
+        hash = mix(hash, node.lead_);
+        hash = mix(hash, node.own_ ? std::string_view(*node.own_) : node.start_);
+        hash = mix(hash, node.endLead_);
+        return mix(hash, node.end_);
+    }
+    // What has no bytes is written anew each time: the same when it was read from just that.
+    std::string start;
+    std::string end;
+    if (node.isElement()) {
+        start = canonicalStartTag(node, lineEnd);
+        if (!isVoid(node)) end = "</" + node.name_ + ">";
+    } else if (node.isComment()) {
+        start = "<!--" + escapeText(node.data_, TextContext::Raw, lineEnd) + "-->";
+    } else {
+        start = escapeText(node.data_, raw ? TextContext::Raw : TextContext::Normal, lineEnd);
+    }
+    hash = mix(hash, std::string_view());
+    hash = mix(hash, start);
+    hash = mix(hash, std::string_view());
+    return mix(hash, end);
 }
 
 bool SourceEdit::same(const Node& old, const Node& fresh) const {

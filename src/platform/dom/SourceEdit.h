@@ -27,7 +27,7 @@ class SourceEdit {
     using Hashes = std::vector<std::uint64_t>;  ///< by node id
 
     static Hashes hashesOf(const Document& document);
-    static std::uint64_t piecesHash(const Node& node);
+    static std::uint64_t piecesHash(const Node& node, std::string_view lineEnd);
     void reconcile(Node& old, Node& fresh);
     void reconcileChildren(Node& old, Node& fresh);
     void reconcileAttributes(Node& old, const Node& fresh);

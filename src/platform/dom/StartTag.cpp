@@ -1,5 +1,6 @@
 #include "platform/dom/StartTag.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "platform/Text.h"
@@ -13,64 +14,12 @@ bool isBlank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
 }
 
-/** Where an attribute stands in its tag. Offsets; value equals valueEnd when it has none. */
-struct Place {
-    std::size_t name;
-    std::size_t nameEnd;
-    std::size_t value;  ///< behind the opening quote
-    std::size_t valueEnd;
-    std::size_t end;  ///< behind the closing quote
-    char quote;       ///< 0 when there is none
-    bool hasValue;
-};
-
-std::size_t endOfTagName(std::string_view tag) {
-    std::size_t at = 1;
-    while (at < tag.size() && !isBlank(tag[at]) && tag[at] != '/' && tag[at] != '>')
-        ++at;
-    return at;
-}
-
-std::vector<Place> findAttributes(std::string_view tag) {
-    std::vector<Place> places;
+std::vector<AttributePlace> findAttributes(std::string_view tag) {
+    std::vector<AttributePlace> places;
     std::size_t at = endOfTagName(tag);
-    const auto skipBlanks = [&] {
-        while (at < tag.size() && isBlank(tag[at]))
-            ++at;
-    };
-    for (;;) {
-        while (at < tag.size() && (isBlank(tag[at]) || tag[at] == '/'))
-            ++at;
-        if (at >= tag.size() || tag[at] == '>') return places;
-        Place place{at, at, at, at, at, 0, false};
-        ++at;  // an equals sign in front belongs to the name
-        while (at < tag.size() && !isBlank(tag[at]) && tag[at] != '/' && tag[at] != '>' &&
-               tag[at] != '=') {
-            ++at;
-        }
-        place.nameEnd = place.value = place.valueEnd = place.end = at;
-        skipBlanks();
-        if (at < tag.size() && tag[at] == '=') {
-            ++at;
-            skipBlanks();
-            place.hasValue = true;
-            if (at < tag.size() && (tag[at] == '"' || tag[at] == '\'')) {
-                place.quote = tag[at];
-                place.value = ++at;
-                while (at < tag.size() && tag[at] != place.quote)
-                    ++at;
-                place.valueEnd = at;
-                if (at < tag.size()) ++at;
-            } else {
-                place.value = at;
-                while (at < tag.size() && !isBlank(tag[at]) && tag[at] != '>')
-                    ++at;
-                place.valueEnd = at;
-            }
-            place.end = at;
-        }
-        places.push_back(place);
-    }
+    while (const auto place = nextAttribute(tag, at))
+        places.push_back(*place);
+    return places;
 }
 
 bool needsQuotes(std::string_view value) {
@@ -79,7 +28,7 @@ bool needsQuotes(std::string_view value) {
 }
 
 std::string withoutAttribute(std::string tag, std::string_view name) {
-    const std::vector<Place> places = findAttributes(tag);
+    const std::vector<AttributePlace> places = findAttributes(tag);
     for (auto place = places.rbegin(); place != places.rend(); ++place) {
         const std::string_view written =
             std::string_view(tag).substr(place->name, place->nameEnd - place->name);
@@ -96,12 +45,55 @@ std::string withoutAttribute(std::string tag, std::string_view name) {
 
 }  // namespace
 
+std::size_t endOfTagName(std::string_view tag) {
+    std::size_t at = 1;
+    while (at < tag.size() && !isBlank(tag[at]) && tag[at] != '/' && tag[at] != '>')
+        ++at;
+    return at;
+}
+
+std::optional<AttributePlace> nextAttribute(std::string_view tag, std::size_t& at) {
+    const auto skipBlanks = [&] {
+        while (at < tag.size() && isBlank(tag[at]))
+            ++at;
+    };
+    while (at < tag.size() && (isBlank(tag[at]) || tag[at] == '/'))
+        ++at;
+    if (at >= tag.size() || tag[at] == '>') return std::nullopt;
+    AttributePlace place{at, at, at, at, at, 0, false};
+    ++at;  // an equals sign in front belongs to the name
+    while (at < tag.size() && !isBlank(tag[at]) && tag[at] != '/' && tag[at] != '>' &&
+           tag[at] != '=') {
+        ++at;
+    }
+    place.nameEnd = place.value = place.valueEnd = place.end = at;
+    skipBlanks();
+    if (at >= tag.size() || tag[at] != '=') return place;
+    ++at;
+    skipBlanks();
+    place.hasValue = true;
+    if (at < tag.size() && (tag[at] == '"' || tag[at] == '\'')) {
+        place.quote = tag[at];
+        place.value = ++at;
+        at = std::min(tag.find(place.quote, at), tag.size());
+        place.valueEnd = at;
+        if (at < tag.size()) ++at;
+    } else {
+        place.value = at;
+        while (at < tag.size() && !isBlank(tag[at]) && tag[at] != '>')
+            ++at;
+        place.valueEnd = at;
+    }
+    place.end = at;
+    return place;
+}
+
 std::string patchStartTag(std::string_view tag, std::string_view name,
                           const std::optional<std::string>& value, std::string_view lineEnd) {
     std::string out(tag);
     if (!value) return withoutAttribute(std::move(out), name);
-    const std::vector<Place> places = findAttributes(tag);
-    for (const Place& place : places) {
+    const std::vector<AttributePlace> places = findAttributes(tag);
+    for (const AttributePlace& place : places) {
         if (!EqualsNoCase(tag.substr(place.name, place.nameEnd - place.name), name)) continue;
         if (!place.hasValue) {
             const std::string text = "=\"" + escapeAttribute(*value, '"', lineEnd) + "\"";

@@ -1,11 +1,13 @@
 #include "platform/dom/TextRange.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <optional>
 
 #include "platform/Text.h"
+#include "platform/TextSearch.h"
 #include "platform/dom/Escape.h"
 #include "platform/dom/FlatText.h"
+#include "platform/dom/Gateway.h"
 #include "platform/dom/RangeEdit.h"
 
 namespace pw::dom {
@@ -16,22 +18,27 @@ const Node& flattened(const Document& document) {
     return document.body() ? *document.body() : *document.root();
 }
 
-/** Where the text behind a place begins in the flat text. */
-std::size_t flatOffset(const FlatText& flat, const Position& position) {
+/** Where the text behind a place begins in the flat text of `top`. */
+std::size_t flatOffset(const FlatText& flat, const Node& top, const Position& position) {
     const Boundary boundary = boundaryOf(position);
-    std::unordered_map<const Node*, std::vector<const FlatText::Run*>> runs;
-    for (const FlatText::Run& run : flat.runs)
-        runs[run.node].push_back(&run);
-    for (const Node* node = boundary.node; node; node = node->following()) {
-        const auto found = runs.find(node);
-        if (found == runs.end()) continue;
-        const std::size_t offset = node == boundary.node ? boundary.offset : 0;
-        for (const FlatText::Run* run : found->second) {
-            if (run->offset + run->length < offset) continue;
-            return run->flat + (offset > run->offset ? offset - run->offset : 0);
-        }
+    if (boundary.node && !top.contains(*boundary.node)) {
+        return comparePositions(position, {const_cast<Node*>(&top), 0}) < 0 ? 0 : flat.text.size();
     }
-    return flat.text.size();
+    // The runs stand in the order of the page: both are walked side by side.
+    auto run = flat.runs.begin();
+    for (const Node* node = &top; node && node != boundary.node; node = node->following(&top)) {
+        while (run != flat.runs.end() && run->node == node)
+            ++run;
+    }
+    const auto isInFront = [&] {
+        return run != flat.runs.end() && run->node == boundary.node &&
+               run->offset + run->length < boundary.offset;
+    };
+    while (isInFront())
+        ++run;
+    if (run == flat.runs.end()) return flat.text.size();
+    const bool inside = run->node == boundary.node && boundary.offset > run->offset;
+    return run->flat + (inside ? boundary.offset - run->offset : 0);
 }
 
 std::size_t nextCharacter(const std::string& text, std::size_t at) {
@@ -65,21 +72,51 @@ std::size_t moved(const std::string& text, std::size_t at, int& count) {
     return at;
 }
 
-bool isWordByte(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           (c & 0x80) != 0;
-}
+/** The visible text of a page, in which one text is looked for. */
+class Finder {
+  public:
+    using Match = TextSearch::Match;
 
-/** Letters that are equal but for their case may differ in length. */
-std::size_t matchLength(std::string_view text, std::size_t at, std::string_view what) {
-    const std::string folded = FoldCase(what);
-    for (std::size_t length = 1; length <= what.size() * 3 && at + length <= text.size();
-         ++length) {
-        const std::size_t tried = length <= what.size() ? what.size() - length + 1 : length;
-        if (at + tried <= text.size() && FoldCase(text.substr(at, tried)) == folded) return tried;
+    Finder(Document& document, std::string_view what, int flags)
+        : top_(flattened(document)),
+          flat_(flatten(top_)),
+          search_(flat_.text, what,
+                  TextSearch::AnyBlank |
+                      (flags & TextRange::MatchCase ? TextSearch::Same : TextSearch::AnyCase)),
+          wholeWord_((flags & TextRange::WholeWord) != 0) {}
+
+    /** Begins at a place, and ends where the span does. */
+    void start(const Position& from, int span) {
+        at_ = flatOffset(flat_, top_, from);
+        forwards_ = span > 0;
+        limit_ = moved(flat_.text, at_, span);
     }
-    return what.size();
-}
+    std::optional<Match> next() {
+        for (;;) {
+            const std::optional<Match> match = forwards_ ? search_.Next(at_) : search_.Last(at_);
+            if (!match || (forwards_ ? match->end() > limit_ : match->start < limit_)) {
+                return std::nullopt;
+            }
+            if (!wholeWord_ || IsWholeWord(flat_.text, match->start, match->length)) {
+                at_ = forwards_ ? match->end() : match->start;
+                return match;
+            }
+            at_ = forwards_ ? nextCharacter(flat_.text, match->start)
+                            : previousCharacter(flat_.text, match->end());
+        }
+    }
+    Position startOf(const Match& match) const { return flat_.positionAt(match.start); }
+    Position endOf(const Match& match) const { return flat_.endAt(match.end()); }
+
+  private:
+    const Node& top_;
+    FlatText flat_;
+    TextSearch search_;
+    bool wholeWord_;
+    bool forwards_ = true;
+    std::size_t at_ = 0;
+    std::size_t limit_ = 0;
+};
 
 std::vector<Node*> nodesOfText(Document& document, std::string_view text) {
     std::vector<Node*> nodes;
@@ -127,12 +164,19 @@ std::string TextRange::htmlText() const {
 void TextRange::setText(std::string_view text) {
     if (!start_.node) return;
     Document::Step step(*document_);
-    if (start_.node == end_.node && start_.node->isText() &&
-        text.find_first_of("\r\n") == text.npos) {
-        const std::size_t offset = start_.offset;
-        document_->replaceText(*start_.node, offset, end_.offset - offset, text);
-        start_ = {start_.node, offset};
-        end_ = {start_.node, offset + text.size()};
+    const bool oneLine = text.find_first_of("\r\n") == text.npos;
+    if (start_.node->isText() && oneLine) {
+        Node& node = *start_.node;
+        const std::size_t offset = std::min(start_.offset, node.data().size());
+        if (end_.node == &node) {
+            document_->replaceText(node, offset, end_.offset - offset, text);
+        } else {
+            deleteRange(*document_, start_, end_);
+            document_->replaceText(node, offset, 0, text);
+        }
+        start_ = {&node, offset};
+        end_ = {&node, offset + text.size()};
+        if (node.data().empty()) start_ = end_ = removeEmptied(*document_, node);
         return;
     }
     const Position place = deleteRange(*document_, start_, end_);
@@ -142,6 +186,58 @@ void TextRange::setText(std::string_view text) {
     if (!nodes.empty()) {
         Node* first = nodes.front();
         start_ = first->isText() ? Position{first, 0} : Position{first->parent(), first->index()};
+    }
+}
+
+void TextRange::replaceAll(std::vector<TextRange>& ranges, std::string_view text) {
+    if (ranges.empty()) return;
+    Document& document = *ranges.front().document_;
+    const Document::Step step(document);
+    const bool oneLine = text.find_first_of("\r\n") == text.npos;
+    // Backwards, so that a replacement moves no range that is still to come. Those within one text
+    // go together.
+    for (std::size_t end = ranges.size(); end > 0;) {
+        Node* node = ranges[end - 1].start_.node;
+        const auto isWithin = [node](const TextRange& range) {
+            return range.start_.node == node && range.end_.node == node;
+        };
+        std::size_t begin = end;
+        while (node && node->isText() && oneLine && begin > 0 && isWithin(ranges[begin - 1]))
+            --begin;
+        if (begin == end) {
+            const Position cut = ranges[--end].end_;
+            ranges[end].setText(text);
+            // The text in which it ended has lost its beginning.
+            for (std::size_t i = end + 1; i < ranges.size() && cut.node != node; ++i) {
+                if (ranges[i].start_.node != cut.node) break;
+                ranges[i].start_.offset -= cut.offset;
+                if (ranges[i].end_.node == cut.node) ranges[i].end_.offset -= cut.offset;
+            }
+            continue;
+        }
+        std::vector<TextStretch> stretches;
+        for (std::size_t i = begin; i < end; ++i)
+            stretches.push_back(
+                {ranges[i].start_.offset, ranges[i].end_.offset - ranges[i].start_.offset});
+        Gateway(document).replaceStretches(*node, stretches, text);
+        std::size_t grown = 0;  // modulo its range, as it may be less than nothing
+        for (std::size_t i = begin; i < end; ++i) {
+            const std::size_t start = stretches[i - begin].offset + grown;
+            ranges[i].start_ = {node, start};
+            ranges[i].end_ = {node, start + text.size()};
+            grown += text.size() - stretches[i - begin].length;
+        }
+        // One that goes on in the next text began in this one.
+        if (end < ranges.size() && ranges[end].start_.node == node) {
+            ranges[end].start_.offset += grown;
+            if (ranges[end].end_.node == node) ranges[end].end_.offset += grown;
+        }
+        if (node->data().empty()) {
+            const Position place = removeEmptied(document, *node);
+            for (std::size_t i = begin; i < end; ++i)
+                ranges[i].start_ = ranges[i].end_ = place;
+        }
+        end = begin;
     }
 }
 
@@ -171,7 +267,7 @@ void TextRange::select() {
 
 int TextRange::moveCharacters(int count) {
     const FlatText flat = flatten(flattened(*document_));
-    const std::size_t at = flatOffset(flat, count > 0 ? end_ : start_);
+    const std::size_t at = flatOffset(flat, flattened(*document_), count > 0 ? end_ : start_);
     const std::size_t to = moved(flat.text, at, count);
     const Position position = to >= flat.text.size() ? flat.endAt(to) : flat.positionAt(to);
     if (position.node) start_ = end_ = position;
@@ -180,43 +276,26 @@ int TextRange::moveCharacters(int count) {
 
 bool TextRange::findText(std::string_view text, int span, int flags) {
     if (text.empty() || span == 0) return false;
-    const FlatText flat = flatten(flattened(*document_));
-    const std::size_t start = flatOffset(flat, start_);
-    int count = span;
-    const std::size_t limit = moved(flat.text, start, count);
-    const std::size_t begin = std::min(start, limit);
-    const std::string_view searched =
-        std::string_view(flat.text).substr(begin, std::max(start, limit) - begin);
-    const bool matchCase = (flags & MatchCase) != 0;
-    std::size_t from = 0;
-    std::size_t upTo = searched.size();
-    for (;;) {
-        const std::string_view window = searched.substr(0, upTo);
-        std::size_t found = 0;
-        if (span > 0) {
-            found = matchCase ? window.find(text, from) : FindNoCase(window, text, from);
-        } else {
-            found = matchCase ? window.rfind(text) : FindLastNoCase(window, text);
-        }
-        if (found == std::string_view::npos) return false;
-        const std::size_t at = begin + found;
-        const std::size_t length = matchCase ? text.size() : matchLength(flat.text, at, text);
-        const bool wordBefore = at > 0 && isWordByte(flat.text[at - 1]);
-        const bool wordBehind =
-            at + length < flat.text.size() && isWordByte(flat.text[at + length]);
-        if (!(flags & WholeWord) || (!wordBefore && !wordBehind)) {
-            start_ = flat.positionAt(at);
-            end_ = flat.endAt(at + length);
-            return true;
-        }
-        from = found + 1;
-        while (from < searched.size() && (searched[from] & 0xC0) == 0x80)
-            ++from;
-        if (span < 0) {
-            upTo = found + length - 1;
-            if (upTo == 0) return false;
-        }
+    Finder finder(*document_, text, flags);
+    finder.start(start_, span);
+    const auto match = finder.next();
+    if (!match) return false;
+    start_ = finder.startOf(*match);
+    end_ = finder.endOf(*match);
+    return true;
+}
+
+std::vector<TextRange> TextRange::findAll(std::string_view text, int span, int flags) const {
+    std::vector<TextRange> found;
+    if (text.empty() || span == 0) return found;
+    Finder finder(*document_, text, flags);
+    finder.start(start_, span);
+    while (const auto match = finder.next()) {
+        TextRange& range = found.emplace_back(*this);
+        range.start_ = finder.startOf(*match);
+        range.end_ = finder.endOf(*match);
     }
+    return found;
 }
 
 bool TextRange::contains(const TextRange& other) const {

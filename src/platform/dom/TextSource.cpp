@@ -128,4 +128,47 @@ SourceSplice spliceSource(std::string_view source, const Node& node, std::size_t
             escapeText(text, context, lineEnd)};
 }
 
+std::string replaceInText(std::string_view text, const std::vector<TextStretch>& stretches,
+                          std::string_view inserted) {
+    std::string out;
+    std::size_t copied = 0;
+    for (const TextStretch& stretch : stretches) {
+        out.append(text, copied, stretch.offset - copied).append(inserted);
+        copied = stretch.offset + stretch.length;
+    }
+    return out.append(text.substr(copied));
+}
+
+std::optional<std::string> replaceInSource(std::string_view source, const Node& node,
+                                           const std::vector<TextStretch>& stretches,
+                                           std::string_view inserted, std::string_view lineEnd) {
+    const std::string_view data = node.data();
+    const bool raw = node.parent() && holdsRawText(*node.parent());
+    const TextContext context = raw ? TextContext::Raw : TextContext::Normal;
+    const std::string written = escapeText(inserted, context, lineEnd);
+    std::size_t at = 0;
+    std::size_t done = 0;
+    const auto walkTo = [&](std::size_t text) {
+        while (done < text) {
+            const Unit unit = nextUnit(source.substr(at), data.substr(done), context);
+            if (unit.source == 0) return false;
+            at += unit.source;
+            done += unit.text;
+        }
+        return done == text;
+    };
+    std::string out;
+    std::size_t copied = 0;
+    for (const TextStretch& stretch : stretches) {
+        if (!walkTo(stretch.offset)) return std::nullopt;
+        out.append(source, copied, at - copied).append(written);
+        if (!walkTo(stretch.offset + stretch.length)) return std::nullopt;
+        copied = at;
+    }
+    out.append(source.substr(copied));
+    const std::string changed = replaceInText(data, stretches, inserted);
+    if (alignedLength(out, changed, context) != out.size()) return std::nullopt;
+    return out;
+}
+
 }  // namespace pw::dom

@@ -4,9 +4,11 @@
 
 #include "platform/Clipboard.h"
 #include "platform/Text.h"
+#include "platform/dom/Tags.h"
 #include "platform/dom/TextRange.h"
-#include "platform/editor/CleanMarkup.h"
 #include "platform/editor/EditorFormats.h"
+#include "platform/editor/LayerCommands.h"
+#include "platform/editor/TableCommands.h"
 
 namespace pw {
 
@@ -14,8 +16,14 @@ namespace pw {
 class HtmlEditor::Watcher : public dom::DocumentObserver {
   public:
     explicit Watcher(HtmlEditor& editor) : editor_(editor) {}
-    void documentChanged(const dom::Change&) override { editor_.DisplayChangedSoon(); }
-    void documentReloaded() override { editor_.DisplayChangedSoon(); }
+    void documentChanged(const dom::Change& change) override {
+        if (editor_.PrimitiveApplied) editor_.PrimitiveApplied(change);
+        editor_.DisplayChangedSoon();
+    }
+    void documentReloaded() override {
+        if (editor_.DocumentReplaced) editor_.DocumentReplaced();
+        editor_.DisplayChangedSoon();
+    }
     void selectionChanged(dom::Origin) override { editor_.DisplayChangedSoon(); }
 
   private:
@@ -43,6 +51,9 @@ HtmlEditor::~HtmlEditor() {
         surface_->events.changed = nullptr;
         surface_->events.command = nullptr;
         surface_->events.dropped = nullptr;
+        surface_->events.placed = nullptr;
+        surface_->events.filesDropped = nullptr;
+        surface_->events.imagePasted = nullptr;
         surface_->Clear();
     }
     document_->removeObserver(watcher_.get());
@@ -64,7 +75,19 @@ void HtmlEditor::ListenToSurface() {
     };
     surface_->events.dropped = [this](const std::string& html, const std::string& text) {
         WaitUntilReady();
+        LeaveObject();
         InsertForeign(html, text);
+    };
+    surface_->events.filesDropped = [this](const std::vector<std::string>& files) {
+        WaitUntilReady();
+        LeaveObject();
+        if (FilesBrought) FilesBrought(files);
+    };
+    surface_->events.imagePasted = [this](const std::string& png) {
+        if (PictureBrought) PictureBrought(png);
+    };
+    surface_->events.placed = [this](dom::Node& object, const Placement& placement) {
+        PlaceObject(*document_, object, placement);
     };
 }
 
@@ -79,8 +102,17 @@ void HtmlEditor::DisplayChangedSoon() {
     displayChangedDue_ = true;
     Post([this] {
         displayChangedDue_ = false;
+        MarkCells();
         if (DisplayChanged) DisplayChanged();
     });
+}
+
+void HtmlEditor::MarkCells() {
+    if (!surface_) return;
+    std::vector<dom::Node*> cells = SelectedCells(*document_);
+    if (cells == markedCells_) return;
+    markedCells_ = std::move(cells);
+    surface_->MarkCells(markedCells_);
 }
 
 // --- The document -------------------------------------------------------------------------------
@@ -90,6 +122,7 @@ void HtmlEditor::ReplaceDocument(std::unique_ptr<dom::Document> document) {
     std::swap(document_, document);
     document_->addObserver(watcher_.get());
     lastError_.clear();
+    if (DocumentReplaced) DocumentReplaced();
     if (surface_) {
         surface_->Show(*document_, SurfaceBase());
     } else {
@@ -97,6 +130,7 @@ void HtmlEditor::ReplaceDocument(std::unique_ptr<dom::Document> document) {
             if (DocumentComplete) DocumentComplete();
         });
     }
+    markedCells_.clear();
     retired_ = std::move(document);
     DisplayChangedSoon();
 }
@@ -222,6 +256,35 @@ void HtmlEditor::Refresh() {
 
 // --- Commands -----------------------------------------------------------------------------------
 
+namespace {
+
+constexpr std::pair<EditorCommand, TableCommand> kTableCommands[] = {
+    {DECMD_INSERTROW, TableCommand::InsertRow},    {DECMD_DELETEROWS, TableCommand::DeleteRows},
+    {DECMD_INSERTCOL, TableCommand::InsertColumn}, {DECMD_DELETECOLS, TableCommand::DeleteColumns},
+    {DECMD_INSERTCELL, TableCommand::InsertCell},  {DECMD_DELETECELLS, TableCommand::DeleteCells},
+    {DECMD_MERGECELLS, TableCommand::MergeCells},  {DECMD_SPLITCELL, TableCommand::SplitCell},
+};
+
+constexpr std::pair<EditorCommand, LayerCommand> kLayerCommands[] = {
+    {DECMD_MAKE_ABSOLUTE, LayerCommand::MakeAbsolute},
+    {DECMD_LOCK_ELEMENT, LayerCommand::Lock},
+    {DECMD_BRING_TO_FRONT, LayerCommand::BringToFront},
+    {DECMD_SEND_TO_BACK, LayerCommand::SendToBack},
+    {DECMD_BRING_FORWARD, LayerCommand::BringForward},
+    {DECMD_SEND_BACKWARD, LayerCommand::SendBackward},
+    {DECMD_SEND_BELOW_TEXT, LayerCommand::SendBelowText},
+    {DECMD_BRING_ABOVE_TEXT, LayerCommand::BringAboveText},
+};
+
+template <typename Table>
+auto FindCommand(const Table& table, int command) -> decltype(&table[0].second) {
+    for (const auto& entry : table)
+        if (entry.first == command) return &entry.second;
+    return nullptr;
+}
+
+}  // namespace
+
 CommandState HtmlEditor::QueryStatus(int command) {
     const auto enabledIf = [](bool can) {
         return can ? CommandState::Enabled : CommandState::Disabled;
@@ -252,8 +315,19 @@ CommandState HtmlEditor::QueryStatus(int command) {
             if (surface_ && (HasSelection() || !LinksInSelection().empty()))
                 return CommandState::Enabled;
             return CommandState::Disabled;
+        // Where InsertHTML would put it.
+        case DECMD_INSERTTABLE:
+            return enabledIf(document_->selection().type == dom::SelectionType::Text);
         default:
             break;
+    }
+    if (const TableCommand* table = FindCommand(kTableCommands, command))
+        return enabledIf(CanRunTableCommand(*document_, *table));
+    if (const LayerCommand* layer = FindCommand(kLayerCommands, command)) {
+        const CommandState state = LayerState(*document_, *layer);
+        // Where an object stands is known to the view alone.
+        const bool blind = !surface_ && *layer == LayerCommand::MakeAbsolute;
+        return blind && state == CommandState::Enabled ? CommandState::Disabled : state;
     }
     const char* name = SurfaceCommand(command);
     if (!surface_ || !name) return CommandState::Disabled;
@@ -309,10 +383,28 @@ std::string HtmlEditor::ExecCommand(int command, const std::string& argument) {
         case DECMD_SETBACKCOLOR:
             surface_->Execute(SurfaceCommand(command), ColorText(argument));
             return {};
+        case DECMD_INSERTTABLE:
+            return {};  // has no meaning without its parameters: see InsertTable
         default:
+            if (const TableCommand* table = FindCommand(kTableCommands, command)) {
+                RunTableCommand(*document_, *table);
+                return {};
+            }
+            if (const LayerCommand* layer = FindCommand(kLayerCommands, command)) {
+                RunLayerCommand(*document_, *layer, [this](const dom::Node& object) {
+                    return surface_ ? surface_->FreePlaceOf(object) : std::nullopt;
+                });
+                return {};
+            }
             surface_->Execute(SurfaceCommand(command), argument);
             return {};
     }
+}
+
+void HtmlEditor::InsertTable(const InsertTableParam& param) {
+    WaitUntilReady();
+    if (QueryStatus(DECMD_INSERTTABLE) != CommandState::Disabled)
+        pw::InsertTable(*document_, param);
 }
 
 bool HtmlEditor::HasSelection() const {
@@ -324,28 +416,38 @@ bool HtmlEditor::HasSelection() const {
 void HtmlEditor::Copy() {
     const dom::Selection& selection = document_->selection();
     if (selection.type == dom::SelectionType::Control) {
-        clipboard_->Set(document_->innerText(*selection.control),
-                        document_->outerHTML(*selection.control));
+        clipboard_->Set(
+            document_->innerText(*selection.control),
+            MarkupForClipboard(document_->outerHTML(*selection.control), SurfaceBase()));
         return;
     }
     const auto range = dom::TextRange::fromSelection(*document_);
-    clipboard_->Set(range.text(), range.htmlText());
+    clipboard_->Set(range.text(), MarkupForClipboard(range.htmlText(), SurfaceBase()));
 }
 
 void HtmlEditor::Paste() {
+    const std::vector<std::string> files = clipboard_->Files();
+    if (!files.empty() && FilesBrought) {
+        FilesBrought(files);
+        return;
+    }
     const std::string html = clipboard_->Html();
     const std::string text = clipboard_->Text();
-    if (!html.empty() || !text.empty())
-        InsertForeign(html, text);
-    else if (surface_)
-        surface_->Execute("pasteImage", {});
+    // A browser copies a picture as its address in the web, where it may not stay, and as itself.
+    const bool isPicture = html.empty() ? text.empty() : IsLonePicture(html);
+    if (isPicture && surface_ && surface_->Execute("pasteImage", {})) return;
+    InsertForeign(html, text);
 }
 
 void HtmlEditor::InsertForeign(const std::string& html, const std::string& text) {
-    if (!document_->body()) return;
-    std::string markup = html.empty() ? std::string() : CleanMarkup(html);
+    std::string markup =
+        html.empty() ? std::string() : CleanMarkup(html, ForeignAddresses, SurfaceBase());
     if (markup.empty()) markup = MarkupOfText(text);
-    if (markup.empty()) return;
+    InsertMarkup(markup);
+}
+
+void HtmlEditor::InsertMarkup(const std::string& markup) {
+    if (!document_->body() || markup.empty()) return;
     dom::Document::Step step(*document_);
     // A range needs a caret: an object that is selected gives way, and a page without any gets the
     // markup at its end.
@@ -353,6 +455,21 @@ void HtmlEditor::InsertForeign(const std::string& html, const std::string& text)
     if (!document_->selection().focus.node)
         document_->collapse({document_->body(), document_->body()->children().size()});
     dom::TextRange::fromSelection(*document_).pasteHTML(markup);
+    // Typing goes on in the last of the new paragraphs.
+    const dom::Position behind = document_->selection().focus;
+    if (!behind.node || !behind.node->isElement() || behind.offset == 0) return;
+    dom::Node* last = behind.node->children().at(behind.offset - 1);
+    if (!dom::isBlockTag(last->localName()) || last->is("table")) return;
+    while (last->isElement() && last->lastChild() && !last->is("table"))
+        last = last->lastChild();
+    if (last->isText()) document_->collapse({last, last->data().size()});
+}
+
+// What is dropped beside an object must not replace it.
+void HtmlEditor::LeaveObject() {
+    const dom::Selection& selection = document_->selection();
+    if (selection.type != dom::SelectionType::Control || !selection.control->parent()) return;
+    document_->collapse({selection.control->parent(), selection.control->index() + 1});
 }
 
 void HtmlEditor::SelectAll() {

@@ -11,6 +11,7 @@
 #include "platform/FileSystem.h"
 #include "platform/MessageLoop.h"
 #include "platform/dom/Document.h"
+#include "platform/editor/CleanMarkup.h"
 
 namespace pw {
 
@@ -70,6 +71,7 @@ enum EditorCommand {
 };
 
 class Clipboard;
+struct InsertTableParam;
 
 class HtmlEditor {
   public:
@@ -121,29 +123,47 @@ class HtmlEditor {
      *  DECMD_GETBLOCKFMTNAMES one a line. Font sizes are "1" to "7"; colours are "#rrggbb" or, as
      *  an argument, also a number 0x00BBGGRR. Does nothing when the command cannot run. */
     std::string ExecCommand(int command, const std::string& argument = {});
+    /** What DECMD_INSERTTABLE does: a new table in place of the selected text, one undo step. Does
+     *  nothing when the command cannot run. */
+    void InsertTable(const InsertTableParam& param);
     /** Puts markup from outside in place of the selection, without its scripts; plain text when
      *  there is no markup. One undo step. */
     void InsertForeign(const std::string& html, const std::string& text);
+    /** Puts markup in place of the selection, or of an object that is selected as a whole; at the
+     *  end of a page without a caret. One undo step. */
+    void InsertMarkup(const std::string& markup);
     void SetFocus();
     void Refresh();
     EditorSurface* Surface() const { return surface_; }
 
+    /** Raises DisplayChanged when the present event is done, once for any number of changes. */
+    void DisplayChangedSoon();
+
     // Events, called on the user-interface thread; handlers may re-enter.
     std::function<void()> DocumentComplete;
     std::function<void()> DisplayChanged;
+    /** Files were dropped or pasted: paths with backslashes. They are to stand at the selection. */
+    std::function<void(const std::vector<std::string>& files)> FilesBrought;
+    /** A picture without a file was pasted: the bytes of a PNG. It is to stand at the selection. */
+    std::function<void(const std::string& png)> PictureBrought;
+    /** What becomes of references in pasted markup that mean something on this machine. */
+    AddressAdopter ForeignAddresses;
+    // Told at once, in the midst of edits: the handlers take note and do nothing else.
+    std::function<void(const dom::Change&)> PrimitiveApplied;
+    std::function<void()> DocumentReplaced;  ///< by another one, or from its root on
 
   private:
     class Watcher;
 
     void ReplaceDocument(std::unique_ptr<dom::Document> document);
     void ListenToSurface();
-    /** Raises DisplayChanged when the present event is done, once for any number of changes. */
-    void DisplayChangedSoon();
+    void MarkCells();
     void Post(std::function<void()> task);
     std::string SurfaceBase() const;
     bool HasSelection() const;
     void Copy();
     void Paste();
+    void LeaveObject();
     void SelectAll();
     std::vector<dom::Node*> LinksInSelection() const;
     void Unlink();
@@ -162,6 +182,7 @@ class HtmlEditor {
     std::unique_ptr<dom::Document> retired_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
     bool displayChangedDue_ = false;
+    std::vector<dom::Node*> markedCells_;  ///< in the view
     std::string baseUrl_;
     std::string path_;
     std::string lastError_;

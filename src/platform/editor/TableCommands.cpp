@@ -1,10 +1,16 @@
 #include "platform/editor/TableCommands.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <optional>
 #include <set>
 #include <string>
+
+#include "platform/Text.h"
+#include "platform/dom/Escape.h"
+#include "platform/dom/RangeEdit.h"
+#include "platform/dom/Tags.h"
+#include "platform/dom/TextRange.h"
+#include "platform/editor/TableGrid.h"
 
 namespace pw {
 
@@ -15,24 +21,6 @@ using dom::Node;
 using Cell = TableGrid::Cell;
 using Area = TableGrid::Area;
 
-// The bounds that browsers put on spans; without them one attribute could ask for any memory.
-constexpr int kMostColumns = 1000;
-constexpr int kMostRows = 65534;
-
-int SpanOf(const Node& cell, const char* attribute, int most) {
-    const std::string* written = cell.attribute(attribute);
-    const int span = written ? std::atoi(written->c_str()) : 1;
-    return std::clamp(span, attribute[0] == 'r' ? 0 : 1, most);
-}
-
-bool IsCell(const Node& node) {
-    return node.is("TD") || node.is("TH");
-}
-
-bool IsRowGroup(const Node& node) {
-    return node.is("TBODY") || node.is("THEAD") || node.is("TFOOT");
-}
-
 void SetSpan(Document& document, Node& cell, const char* attribute, int span) {
     if (span > 1) {
         document.setAttribute(cell, attribute, std::to_string(span));
@@ -41,125 +29,267 @@ void SetSpan(Document& document, Node& cell, const char* attribute, int span) {
     }
 }
 
+/** The cells at both ends of the selection, without a look at those between them: that is cheap
+ *  enough to be asked with every step of the caret. */
+struct Ends {
+    Node* table = nullptr;
+    Node* first = nullptr;
+    Node* last = nullptr;
+    bool whole = false;  ///< the table itself is selected
+};
+
 /** What the selection stands for: a table and the area of cells in it. */
 struct Target {
     TableGrid grid;
     Area area;
+    bool whole = false;
 };
 
-Node* CellAround(Node* node, const Node* table) {
-    for (; node && node != table; node = node->parent()) {
-        if (!IsCell(*node)) continue;
-        const Node* owner = node;
-        while (owner && !owner->is("TABLE"))
-            owner = owner->parent();
-        if (!table || owner == table) return node;
+/** The cell of this table that holds a node. */
+Node* CellAround(Node* node, const Node& table) {
+    for (; node && node != &table; node = node->parent()) {
+        const Node* row = IsCell(*node) ? RowOf(*node) : nullptr;
+        if (row && TableOf(*row) == &table) return node;
     }
     return nullptr;
 }
 
-Node* NodeAt(const dom::Position& position) {
+enum class Side { Start, End };
+
+/** The node that a selection begins or ends with. */
+Node* NodeAt(const dom::Position& position, Side side) {
     if (!position.node || !position.node->isElement()) return position.node;
-    std::size_t index = 0;
-    for (Node* child = position.node->firstChild(); child; child = child->next(), ++index) {
-        if (index == position.offset) return child;
+    std::size_t wanted = position.offset;
+    if (side == Side::End) {
+        // The end of what is selected stands behind it. An end at the very start of a cell with
+        // something in it comes of a triple click on the cell in front, and touches nothing here.
+        if (wanted == 0 && position.node->firstChild() && IsCell(*position.node)) {
+            Node* before = position.node->previous();
+            while (before && !IsCell(*before))
+                before = before->previous();
+            Node* row = before ? nullptr : RowOf(*position.node);
+            for (row = row ? row->previous() : nullptr; row && !before; row = row->previous()) {
+                for (before = row->lastChild(); before && !IsCell(*before);)
+                    before = before->previous();
+            }
+            return before ? before : position.node;
+        }
+        if (wanted > 0) --wanted;
+    }
+    for (Node* child = position.node->firstChild(); child; child = child->next()) {
+        if (wanted-- == 0) return child;
     }
     return position.node;
 }
 
-std::optional<Target> FindTarget(Document& document) {
+std::optional<Ends> EndsOfTable(Node& table) {
+    Ends ends{&table, nullptr, nullptr, true};
+    for (Node* row : RowsOf(table)) {
+        for (Node* cell = row->firstChild(); cell; cell = cell->next()) {
+            if (!IsCell(*cell)) continue;
+            if (!ends.first) ends.first = cell;
+            ends.last = cell;
+        }
+    }
+    if (!ends.first) return std::nullopt;
+    return ends;
+}
+
+std::optional<Ends> FindEnds(const Document& document) {
     const dom::Selection& selection = document.selection();
     if (selection.type == dom::SelectionType::None) return std::nullopt;
-    Node* from = selection.control ? selection.control : NodeAt(selection.anchor);
-    Node* to = selection.control ? selection.control : NodeAt(selection.focus);
-    if (!from || !to || !document.isConnected(from) || !document.isConnected(to)) {
-        return std::nullopt;
+    Node* from = selection.control;
+    Node* to = selection.control;
+    if (from && from->is("TABLE")) return EndsOfTable(*from);
+    if (!from) {
+        const bool forward = dom::comparePositions(selection.anchor, selection.focus) <= 0;
+        const dom::Position& start = forward ? selection.anchor : selection.focus;
+        const dom::Position& end = forward ? selection.focus : selection.anchor;
+        from = NodeAt(start, Side::Start);
+        to = selection.collapsed() ? from : NodeAt(end, Side::End);
     }
+    if (!document.isConnected(from) || !document.isConnected(to)) return std::nullopt;
     // The innermost table that holds both ends in cells of its own.
-    for (Node* table = from->parent(); table; table = table->parent()) {
+    for (Node* table = from; table; table = table->parent()) {
         if (!table->is("TABLE") || !table->contains(*to)) continue;
-        Node* first = CellAround(from, table);
-        Node* last = CellAround(to, table);
-        if (!first || !last) continue;
-        TableGrid grid(*table);
-        const Cell* a = grid.Find(*first);
-        const Cell* b = grid.Find(*last);
-        if (!a || !b) return std::nullopt;
-        const Area area = grid.Around(*a, *b);
-        return Target{std::move(grid), area};
+        const Ends ends{table, CellAround(from, *table), CellAround(to, *table), false};
+        if (ends.first && ends.last) return ends;
     }
     return std::nullopt;
 }
 
-Node& NewCell(Document& document, const Cell* like) {
-    Node* cell = document.createElement(like && like->element->is("TH") ? "th" : "td");
+std::optional<Target> FindTarget(const Document& document) {
+    const auto ends = FindEnds(document);
+    if (!ends) return std::nullopt;
+    TableGrid grid(*ends->table);
+    const Cell* first = grid.Find(*ends->first);
+    const Cell* last = grid.Find(*ends->last);
+    if (!first || !last) return std::nullopt;
+    Area area = grid.Around(*first, *last);
+    if (ends->whole) area = {0, 0, int(grid.Rows().size()) - 1, grid.ColumnCount() - 1};
+    return Target{std::move(grid), area, ends->whole};
+}
+
+std::vector<const Cell*> CellsIn(const Target& target) {
+    std::vector<const Cell*> cells;
+    for (const Cell& cell : target.grid.Cells()) {
+        if (target.area.Encloses(cell)) cells.push_back(&cell);
+    }
+    return cells;
+}
+
+// --- Making and placing -------------------------------------------------------------------------
+
+/** What a new cell or row has in common with the one that it is made after. */
+void CopyLook(Document& document, const Node& from, Node& to) {
+    for (const char* name : {"align", "valign", "bgcolor", "nowrap", "class", "style"}) {
+        if (const std::string* value = from.attribute(name))
+            document.setAttribute(to, name, *value);
+    }
+}
+
+/** A header cell is made only where the new row or column crosses one of headers. */
+Node& NewCell(Document& document, const Node& like, bool header) {
+    Node* cell = document.createElement(header ? "th" : "td");
+    CopyLook(document, like, *cell);
     // An empty cell has no height and takes no caret in old browsers.
     document.insertNode(*cell, *document.createText("\xC2\xA0"), nullptr);
     return *cell;
 }
 
 void PutCaretInto(Document& document, Node& cell) {
-    Node* first = cell.firstChild();
-    document.collapse(first && first->isText() ? dom::Position{first, 0} : dom::Position{&cell, 0});
+    Node* place = &cell;
+    while (place->firstChild() && !place->firstChild()->is("TABLE"))
+        place = place->firstChild();
+    if (!place->isText() && place != &cell) place = place->parent();
+    document.collapse({place, 0});
 }
 
-/** The cell of this row in front of which something at `column` belongs; none: last. */
-Node* CellFrom(const TableGrid& grid, int row, int column) {
+/** Into the cell at this place, or the nearest one in front of it. */
+void PutCaretAt(Document& document, Node& table, int row, int column) {
+    const TableGrid grid(table);
+    for (int r = std::min(row, int(grid.Rows().size()) - 1); r >= 0; --r) {
+        for (int c = std::min(column, grid.ColumnCount() - 1); c >= 0; --c) {
+            if (const Cell* cell = grid.At(r, c)) return PutCaretInto(document, *cell->element);
+        }
+    }
+}
+
+/** The node of this row in front of which a cell for `column` belongs; none: last. */
+Node* PlaceInRow(const TableGrid& grid, int row, int column) {
     const Cell* best = nullptr;
     for (const Cell& cell : grid.Cells()) {
         if (cell.row == row && cell.column >= column && (!best || cell.column < best->column)) {
             best = &cell;
         }
     }
-    return best ? best->element : nullptr;
-}
-
-/** In front of `column`'s cell, or behind the last cell of the row (not behind blanks there). */
-void InsertIntoRow(Document& document, const TableGrid& grid, int row, int column, Node& cell) {
-    Node& tr = *grid.Rows()[std::size_t(row)];
-    if (Node* before = CellFrom(grid, row, column)) return document.insertNode(tr, cell, before);
-    Node* behind = nullptr;
-    for (Node* child = tr.firstChild(); child; child = child->next()) {
-        if (IsCell(*child)) behind = child;
+    if (best) return best->element;
+    // Behind the last cell, not behind the blanks that follow it.
+    Node* tr = grid.Rows()[std::size_t(row)];
+    for (Node* child = tr->lastChild(); child; child = child->previous()) {
+        if (IsCell(*child)) return child->next();
     }
-    document.insertNode(tr, cell, behind ? behind->next() : tr.firstChild());
+    return tr->firstChild();
 }
 
-void RemoveTableIfEmpty(Document& document, Node& table) {
-    if (TableGrid(table).Cells().empty()) document.removeNode(table);
+void InsertIntoRow(Document& document, const TableGrid& grid, int row, int column, Node& cell) {
+    document.insertNode(*grid.Rows()[std::size_t(row)], cell, PlaceInRow(grid, row, column));
 }
 
-bool InsertRow(Document& document, const Target& target) {
+/** The columns behind this one move on by one. */
+void InsertColumnElement(Document& document, const TableGrid& grid, int column) {
+    const auto columns = grid.Columns();
+    if (column >= int(columns.size())) return;
+    Node& like = *columns[std::size_t(column)];
+    const int span = ColumnSpanOf(like);
+    if (span > 1 || like.is("COLGROUP")) {
+        SetSpan(document, like, "span", span + 1);
+    } else {
+        document.insertNode(*like.parent(), *document.createElement("col"), like.next());
+    }
+}
+
+bool IsHeader(const Cell& cell) {
+    return cell.element->is("TH");
+}
+
+/** Rows in which no cell begins any more take no room: they go, and spans over them shrink. */
+void RemoveHollowRows(Document& document, Node& table, const std::set<Node*>& hollowBefore) {
+    for (;;) {
+        const TableGrid grid(table);
+        std::set<int> begun;
+        for (const Cell& cell : grid.Cells())
+            begun.insert(cell.row);
+        int hollow = -1;
+        for (int row = 0; row < int(grid.Rows().size()); ++row) {
+            if (!begun.count(row) && !hollowBefore.count(grid.Rows()[std::size_t(row)]))
+                hollow = row;
+        }
+        if (hollow < 0) return;
+        for (const Cell& cell : grid.Cells()) {
+            if (cell.row < hollow && cell.LastRow() >= hollow) {
+                SetSpan(document, *cell.element, "rowspan", cell.rowSpan - 1);
+            }
+        }
+        document.removeNode(*grid.Rows()[std::size_t(hollow)]);
+    }
+}
+
+std::set<Node*> HollowRows(const TableGrid& grid) {
+    std::set<Node*> rows(grid.Rows().begin(), grid.Rows().end());
+    for (const Cell& cell : grid.Cells())
+        rows.erase(grid.Rows()[std::size_t(cell.row)]);
+    return rows;
+}
+
+/** After cells have gone: what is left of the table, and the caret at the place. */
+void Tidy(Document& document, const Target& target) {
+    Node& table = target.grid.Table();
+    RemoveHollowRows(document, table, HollowRows(target.grid));
+    if (TableGrid(table).Cells().empty()) {
+        const dom::Position place{table.parent(), table.index()};
+        document.removeNode(table);
+        document.collapse(place);
+    } else {
+        PutCaretAt(document, table, target.area.top, target.area.left);
+    }
+}
+
+// --- The commands -------------------------------------------------------------------------------
+
+void InsertRow(Document& document, const Target& target) {
     const TableGrid& grid = target.grid;
     const int row = target.area.bottom;
     Node& above = *grid.Rows()[std::size_t(row)];
     Node* tr = document.createElement("tr");
-    Node* first = nullptr;
+    CopyLook(document, above, *tr);
+    const bool headers =
+        std::all_of(grid.Cells().begin(), grid.Cells().end(), [row](const Cell& cell) {
+            return row < cell.row || row > cell.LastRow() || IsHeader(cell);
+        });
     for (int column = 0; column < grid.ColumnCount();) {
         const Cell* cell = grid.At(row, column);
         if (cell && cell->LastRow() > row) {
             SetSpan(document, *cell->element, "rowspan", cell->rowSpan + 1);
-        } else {
-            Node& added = NewCell(document, cell);
-            if (cell) SetSpan(document, added, "colspan", cell->columnSpan);
+        } else if (cell) {
+            Node& added = NewCell(document, *cell->element, IsHeader(*cell) && !headers);
+            SetSpan(document, added, "colspan", cell->columnSpan);
             document.insertNode(*tr, added, nullptr);
-            if (!first) first = &added;
         }
         column = cell ? cell->LastColumn() + 1 : column + 1;
     }
     document.insertNode(*above.parent(), *tr, above.next());
-    if (first) PutCaretInto(document, *first);
-    return true;
+    if (!target.whole) PutCaretAt(document, grid.Table(), row + 1, target.area.left);
 }
 
-bool DeleteRows(Document& document, const Target& target) {
+void DeleteRows(Document& document, const Target& target) {
     const TableGrid& grid = target.grid;
     const Area& area = target.area;
     // 1. Cells that reach out of the rows shrink; those that begin in them move to the first row
-    //    behind, from the right to the left so that the places in that row stay right.
+    //    behind. From the left to the right: so those that go to one place keep their order.
     std::vector<Cell> cells = grid.Cells();
     std::sort(cells.begin(), cells.end(),
-              [](const Cell& a, const Cell& b) { return a.column > b.column; });
+              [](const Cell& a, const Cell& b) { return a.column < b.column; });
     for (const Cell& cell : cells) {
         const int overlap =
             std::min(cell.LastRow(), area.bottom) - std::max(cell.row, area.top) + 1;
@@ -167,47 +297,44 @@ bool DeleteRows(Document& document, const Target& target) {
         SetSpan(document, *cell.element, "rowspan", cell.rowSpan - overlap);
         if (cell.row < area.top) continue;
         Node& next = *grid.Rows()[std::size_t(area.bottom + 1)];
-        document.moveNode(next, *cell.element, CellFrom(grid, area.bottom + 1, cell.column));
+        document.moveNode(next, *cell.element, PlaceInRow(grid, area.bottom + 1, cell.column));
     }
-    // 2. The rows go.
+    // 2. The rows go, with groups that would be empty.
     for (int row = area.top; row <= area.bottom; ++row) {
+        Node& group = *grid.Rows()[std::size_t(row)]->parent();
         document.removeNode(*grid.Rows()[std::size_t(row)]);
+        const auto rest = group.children();
+        if (IsRowGroup(group) &&
+            std::none_of(rest.begin(), rest.end(), [](Node* node) { return node->is("TR"); })) {
+            document.removeNode(group);
+        }
     }
-    RemoveTableIfEmpty(document, grid.Table());
-    return true;
+    Tidy(document, target);
 }
 
-bool InsertColumn(Document& document, const Target& target) {
+void InsertColumn(Document& document, const Target& target) {
     const TableGrid& grid = target.grid;
     const int column = target.area.right;
-    Node* first = nullptr;
+    const bool headers =
+        std::all_of(grid.Cells().begin(), grid.Cells().end(), [column](const Cell& cell) {
+            return column < cell.column || column > cell.LastColumn() || IsHeader(cell);
+        });
     for (int row = 0; row < int(grid.Rows().size());) {
         const Cell* cell = grid.At(row, column);
         if (cell && cell->LastColumn() > column) {
             SetSpan(document, *cell->element, "colspan", cell->columnSpan + 1);
-        } else {
-            Node& added = NewCell(document, cell);
-            if (cell) SetSpan(document, added, "rowspan", cell->rowSpan);
+        } else if (cell) {
+            Node& added = NewCell(document, *cell->element, IsHeader(*cell) && !headers);
+            SetSpan(document, added, "rowspan", cell->rowSpan);
             InsertIntoRow(document, grid, row, column + 1, added);
-            if (!first) first = &added;
         }
         row = cell ? cell->LastRow() + 1 : row + 1;
     }
-    const auto columns = grid.Columns();
-    if (column < int(columns.size())) {
-        Node& like = *columns[std::size_t(column)];
-        const int span = SpanOf(like, "span", kMostColumns);
-        if (span > 1) {
-            SetSpan(document, like, "span", span + 1);
-        } else {
-            document.insertNode(*like.parent(), *document.createElement("col"), like.next());
-        }
-    }
-    if (first) PutCaretInto(document, *first);
-    return true;
+    InsertColumnElement(document, grid, column);
+    if (!target.whole) PutCaretAt(document, grid.Table(), target.area.top, column + 1);
 }
 
-bool DeleteColumns(Document& document, const Target& target) {
+void DeleteColumns(Document& document, const Target& target) {
     const TableGrid& grid = target.grid;
     const Area& area = target.area;
     for (const Cell& cell : grid.Cells()) {
@@ -223,117 +350,84 @@ bool DeleteColumns(Document& document, const Target& target) {
     const auto columns = grid.Columns();
     for (int column = area.left; column <= area.right && column < int(columns.size()); ++column) {
         Node& col = *columns[std::size_t(column)];
-        const int span = SpanOf(col, "span", kMostColumns);
+        const int span = ColumnSpanOf(col);
         if (span > 1) {
             SetSpan(document, col, "span", span - 1);
         } else {
             document.removeNode(col);
         }
     }
-    RemoveTableIfEmpty(document, grid.Table());
-    return true;
+    Tidy(document, target);
 }
 
-bool InsertCell(Document& document, const Target& target) {
-    const Cell* cell = target.grid.At(target.area.bottom, target.area.right);
-    Node& added = NewCell(document, cell);
-    document.insertNode(*cell->element->parent(), added, cell->element->next());
+void InsertCell(Document& document, const Target& target) {
+    const Cell& cell = *CellsIn(target).back();
+    Node& added = NewCell(document, *cell.element, IsHeader(cell));
+    document.insertNode(*cell.element->parent(), added, cell.element->next());
     PutCaretInto(document, added);
-    return true;
 }
 
-bool DeleteCells(Document& document, const Target& target) {
-    for (const Cell& cell : target.grid.Cells()) {
-        if (!target.area.Encloses(cell)) continue;
-        Node* row = cell.element->parent();
-        document.removeNode(*cell.element);
-        const auto rest = row->children();
-        if (std::none_of(rest.begin(), rest.end(), [](Node* node) { return IsCell(*node); })) {
-            document.removeNode(*row);
-        }
-    }
-    RemoveTableIfEmpty(document, target.grid.Table());
-    return true;
+void DeleteCells(Document& document, const Target& target) {
+    for (const Cell* cell : CellsIn(target))
+        document.removeNode(*cell->element);
+    Tidy(document, target);
 }
 
-bool IsBlank(Document& document, const Node& cell) {
+/** True when nothing is lost with the cell's content. */
+bool IsBlank(const Node& cell) {
+    static constexpr std::string_view kPlain[] = {"p", "div", "span", "font",   "b", "strong",
+                                                  "i", "em",  "u",    "center", "br"};
     for (const Node* node = cell.firstChild(); node; node = node->following(&cell)) {
-        if (node->isElement() && !node->is("BR")) {
-            if (node->is("IMG") || node->is("INPUT") || node->is("HR") || node->is("TABLE")) {
-                return false;
-            }
-        }
-    }
-    const std::string text = document.innerText(cell);
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text.compare(at, 2, "\xC2\xA0") == 0) {
-            ++at;
-        } else if (!std::isspace(static_cast<unsigned char>(text[at]))) {
+        if (node->isText()) {
+            const std::string text = ReplaceAll(node->data(), "\xC2\xA0", " ");
+            if (text.find_first_not_of(" \t\n\r\f") != std::string::npos) return false;
+        } else if (std::find(std::begin(kPlain), std::end(kPlain), node->localName()) ==
+                       std::end(kPlain) ||
+                   node->hasAttribute("id") || node->hasAttribute("name")) {
             return false;
         }
     }
     return true;
 }
 
-/** Rows in which no cell begins any more take no room: they go, and spans over them shrink. */
-void RemoveHollowRows(Document& document, Node& table) {
-    for (;;) {
-        const TableGrid grid(table);
-        std::set<int> begun;
-        for (const Cell& cell : grid.Cells())
-            begun.insert(cell.row);
-        int hollow = -1;
-        for (int row = 0; row < int(grid.Rows().size()); ++row) {
-            if (!begun.count(row)) hollow = row;
-        }
-        if (hollow < 0) return;
-        for (const Cell& cell : grid.Cells()) {
-            if (cell.row < hollow && cell.LastRow() >= hollow) {
-                SetSpan(document, *cell.element, "rowspan", cell.rowSpan - 1);
-            }
-        }
-        document.removeNode(*grid.Rows()[std::size_t(hollow)]);
-    }
+void RemoveChildren(Document& document, const Node& element) {
+    for (Node* child : element.children())
+        document.removeNode(*child);
 }
 
-std::vector<const Cell*> CellsIn(const Target& target) {
-    std::vector<const Cell*> cells;
-    for (const Cell& cell : target.grid.Cells()) {
-        if (target.area.Encloses(cell)) cells.push_back(&cell);
-    }
-    return cells;
+bool IsBlock(const Node* node) {
+    return node && node->isElement() && dom::isBlockTag(node->localName());
 }
 
-bool MergeCells(Document& document, const Target& target) {
+/** Puts the content of one cell behind that of another, on a line of its own. */
+void AppendContent(Document& document, Node& kept, const Node& merged) {
+    if (IsBlank(kept)) {
+        RemoveChildren(document, kept);
+    } else if (!IsBlock(kept.lastChild()) && !IsBlock(merged.firstChild())) {
+        document.insertNode(kept, *document.createElement("br"), nullptr);
+    }
+    for (Node* child : merged.children())
+        document.moveNode(kept, *child, nullptr);
+}
+
+void MergeCells(Document& document, const Target& target) {
     const auto cells = CellsIn(target);
     Node& kept = *cells.front()->element;
-    bool blank = IsBlank(document, kept);
-    for (std::size_t i = 1; i < cells.size(); ++i) {
-        Node& merged = *cells[i]->element;
-        if (!IsBlank(document, merged)) {
-            if (blank) {
-                for (Node* child : kept.children())
-                    document.removeNode(*child);
-                blank = false;
-            } else {
-                document.insertNode(kept, *document.createElement("br"), nullptr);
-            }
-            for (Node* child : merged.children())
-                document.moveNode(kept, *child, nullptr);
-        }
-        document.removeNode(merged);
+    for (const Cell* cell : cells) {
+        if (cell->element == &kept) continue;
+        if (!IsBlank(*cell->element)) AppendContent(document, kept, *cell->element);
+        document.removeNode(*cell->element);
     }
     SetSpan(document, kept, "colspan", target.area.right - target.area.left + 1);
     SetSpan(document, kept, "rowspan", target.area.bottom - target.area.top + 1);
-    RemoveHollowRows(document, target.grid.Table());
+    RemoveHollowRows(document, target.grid.Table(), HollowRows(target.grid));
     PutCaretInto(document, kept);
-    return true;
 }
 
-bool SplitCell(Document& document, const Target& target) {
+void SplitCell(Document& document, const Target& target) {
     const TableGrid& grid = target.grid;
-    const Cell& cell = *grid.At(target.area.top, target.area.left);
-    Node& added = NewCell(document, &cell);
+    const Cell& cell = *CellsIn(target).front();
+    Node& added = NewCell(document, *cell.element, IsHeader(cell));
     if (cell.columnSpan > 1) {
         const int left = (cell.columnSpan + 1) / 2;
         SetSpan(document, added, "colspan", cell.columnSpan - left);
@@ -355,40 +449,58 @@ bool SplitCell(Document& document, const Target& target) {
             SetSpan(document, *other.element, "colspan", other.columnSpan + 1);
         }
         document.insertNode(*cell.element->parent(), added, cell.element->next());
+        InsertColumnElement(document, grid, cell.column);
     }
-    PutCaretInto(document, *cell.element);
-    return true;
+}
+
+/** More than anybody means; what is typed by mistake must not fill the memory. */
+constexpr int kMostNew = 500;
+
+std::string TableMarkup(const InsertTableParam& param) {
+    const auto tag = [](const std::string& name, const std::string& attributes) {
+        return "<" + name + (attributes.empty() ? "" : " " + Trim(attributes)) + ">";
+    };
+    std::string row = "<tr>";
+    for (int column = 0; column < std::clamp(param.NumCols, 1, kMostNew); ++column)
+        row += tag("td", param.CellAttrs) + "&nbsp;</td>";
+    row += "</tr>\n";
+    std::string markup = tag("table", param.TableAttrs) + "\n";
+    if (!param.Caption.empty())
+        markup += "<caption>" + dom::escapeText(param.Caption, dom::TextContext::Normal, "\n") +
+                  "</caption>\n";
+    for (int i = 0; i < std::clamp(param.NumRows, 1, kMostNew); ++i)
+        markup += row;
+    return markup + "</table>";
 }
 
 struct CommandEntry {
     TableCommand command;
-    bool (*run)(Document&, const Target&);
-    bool (*possible)(const Target&);
+    void (*run)(Document&, const Target&);
+    bool (*possible)(const Ends&);
 };
 
-bool Always(const Target&) {
+bool Always(const Ends&) {
     return true;
 }
-bool SeveralCells(const Target& target) {
-    return CellsIn(target).size() > 1;
+/** A whole table is deleted by Delete. */
+bool NotWhole(const Ends& ends) {
+    return !ends.whole;
 }
-bool OneCell(const Target& target) {
-    return CellsIn(target).size() == 1;
+bool OneCell(const Ends& ends) {
+    return ends.first == ends.last;
 }
 /** Cells of several row groups can't become one. */
-bool CanMerge(const Target& target) {
-    const auto& rows = target.grid.Rows();
-    return SeveralCells(target) && rows[std::size_t(target.area.top)]->parent() ==
-                                       rows[std::size_t(target.area.bottom)]->parent();
+bool CanMerge(const Ends& ends) {
+    return ends.first != ends.last && RowOf(*ends.first)->parent() == RowOf(*ends.last)->parent();
 }
 
 constexpr CommandEntry kCommands[] = {
     {TableCommand::InsertRow, InsertRow, Always},
-    {TableCommand::DeleteRows, DeleteRows, Always},
+    {TableCommand::DeleteRows, DeleteRows, NotWhole},
     {TableCommand::InsertColumn, InsertColumn, Always},
-    {TableCommand::DeleteColumns, DeleteColumns, Always},
-    {TableCommand::InsertCell, InsertCell, Always},
-    {TableCommand::DeleteCells, DeleteCells, Always},
+    {TableCommand::DeleteColumns, DeleteColumns, NotWhole},
+    {TableCommand::InsertCell, InsertCell, NotWhole},
+    {TableCommand::DeleteCells, DeleteCells, NotWhole},
     {TableCommand::MergeCells, MergeCells, CanMerge},
     {TableCommand::SplitCell, SplitCell, OneCell},
 };
@@ -400,109 +512,39 @@ const CommandEntry& EntryOf(TableCommand command) {
 
 }  // namespace
 
-TableGrid::TableGrid(Node& table) : table_(&table) {
-    std::vector<std::pair<int, int>> groups;  // first row and number of rows
-    const auto addRow = [this](Node& row) { rows_.push_back(&row); };
-    for (Node* child = table.firstChild(); child; child = child->next()) {
-        const int first = int(rows_.size());
-        if (child->is("TR")) {
-            addRow(*child);
-        } else if (IsRowGroup(*child)) {
-            for (Node* row = child->firstChild(); row; row = row->next()) {
-                if (row->is("TR")) addRow(*row);
-            }
-        }
-        if (int(rows_.size()) > first) groups.emplace_back(first, int(rows_.size()) - first);
-    }
-    slots_.resize(rows_.size());
-    for (const auto& [first, count] : groups) {
-        for (int row = first; row < first + count; ++row) {
-            int column = 0;
-            auto& line = slots_[std::size_t(row)];
-            for (Node* child = rows_[std::size_t(row)]->firstChild(); child;
-                 child = child->next()) {
-                if (!IsCell(*child)) continue;
-                while (column < int(line.size()) && line[std::size_t(column)] >= 0)
-                    ++column;
-                Cell cell{child, row, column, SpanOf(*child, "rowspan", kMostRows),
-                          SpanOf(*child, "colspan", kMostColumns)};
-                const int room = first + count - row;
-                cell.rowSpan = cell.rowSpan == 0 ? room : std::min(cell.rowSpan, room);
-                for (int r = row; r <= cell.LastRow(); ++r) {
-                    auto& other = slots_[std::size_t(r)];
-                    if (int(other.size()) <= cell.LastColumn()) {
-                        other.resize(std::size_t(cell.LastColumn()) + 1, -1);
-                    }
-                    for (int c = column; c <= cell.LastColumn(); ++c) {
-                        if (other[std::size_t(c)] < 0) other[std::size_t(c)] = int(cells_.size());
-                    }
-                }
-                column = cell.LastColumn() + 1;
-                columns_ = std::max(columns_, column);
-                cells_.push_back(cell);
-            }
-        }
-    }
-}
-
-const Cell* TableGrid::At(int row, int column) const {
-    if (row < 0 || row >= int(slots_.size())) return nullptr;
-    const auto& line = slots_[std::size_t(row)];
-    if (column < 0 || column >= int(line.size()) || line[std::size_t(column)] < 0) return nullptr;
-    return &cells_[std::size_t(line[std::size_t(column)])];
-}
-
-const Cell* TableGrid::Find(const Node& element) const {
-    const auto found = std::find_if(cells_.begin(), cells_.end(),
-                                    [&](const Cell& cell) { return cell.element == &element; });
-    return found == cells_.end() ? nullptr : &*found;
-}
-
-Area TableGrid::Around(const Cell& a, const Cell& b) const {
-    Area area{std::min(a.row, b.row), std::min(a.column, b.column),
-              std::max(a.LastRow(), b.LastRow()), std::max(a.LastColumn(), b.LastColumn())};
-    // Each cell that sticks out widens the area, which may touch further cells.
-    for (bool grown = true; grown;) {
-        grown = false;
-        for (const Cell& cell : cells_) {
-            if (!area.Touches(cell) || area.Encloses(cell)) continue;
-            area.top = std::min(area.top, cell.row);
-            area.left = std::min(area.left, cell.column);
-            area.bottom = std::max(area.bottom, cell.LastRow());
-            area.right = std::max(area.right, cell.LastColumn());
-            grown = true;
-        }
-    }
-    return area;
-}
-
-std::vector<Node*> TableGrid::Columns() const {
-    std::vector<Node*> columns;
-    const auto add = [&columns](Node& col) {
-        for (int i = SpanOf(col, "span", kMostColumns); i > 0; --i)
-            columns.push_back(&col);
-    };
-    for (Node* child = table_->firstChild(); child; child = child->next()) {
-        if (child->is("COL")) add(*child);
-        if (!child->is("COLGROUP")) continue;
-        for (Node* col = child->firstChild(); col; col = col->next()) {
-            if (col->is("COL")) add(*col);
-        }
-    }
-    return columns;
-}
-
-bool CanRun(Document& document, TableCommand command) {
-    const auto target = FindTarget(document);
-    return target && EntryOf(command).possible(*target);
-}
-
-bool Run(Document& document, TableCommand command) {
-    const auto target = FindTarget(document);
-    const CommandEntry& entry = EntryOf(command);
-    if (!target || !entry.possible(*target)) return false;
+void InsertTable(Document& document, const InsertTableParam& param) {
     Document::Step step(document);
-    return entry.run(document, *target);
+    dom::TextRange range = dom::TextRange::fromSelection(document);
+    range.pasteHTML(TableMarkup(param));
+    Node* table = NodeAt(range.end(), Side::End);
+    while (table && !table->is("TABLE"))
+        table = table->previous() ? table->previous() : table->parent();
+    if (table) PutCaretAt(document, *table, 0, 0);
+}
+
+std::vector<Node*> SelectedCells(const Document& document) {
+    std::vector<Node*> cells;
+    const auto ends = FindEnds(document);
+    if (!ends || ends->whole || ends->first == ends->last) return cells;
+    if (const auto target = FindTarget(document)) {
+        for (const Cell* cell : CellsIn(*target))
+            cells.push_back(cell->element);
+    }
+    return cells;
+}
+
+bool CanRunTableCommand(const Document& document, TableCommand command) {
+    const auto ends = FindEnds(document);
+    return ends && EntryOf(command).possible(*ends);
+}
+
+bool RunTableCommand(Document& document, TableCommand command) {
+    if (!CanRunTableCommand(document, command)) return false;
+    const auto target = FindTarget(document);
+    if (!target) return false;
+    Document::Step step(document);
+    EntryOf(command).run(document, *target);
+    return true;
 }
 
 }  // namespace pw

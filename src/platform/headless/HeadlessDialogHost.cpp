@@ -64,6 +64,19 @@ void HeadlessDialogHost::ShowModal(Dialog& dialog) {
     --open_;
 }
 
+void HeadlessDialogHost::Show(Dialog& dialog) {
+    if (dialog.IsOpen()) return;
+    dialog.SetOpen(true);
+    dialog.onClose = [&dialog] {
+        dialog.onClose = nullptr;
+        dialog.Form_Unload();
+    };
+    dialog.Form_Load();
+    if (dialogs_.empty() || dialogs_.front().form != dialog.FormName()) return;
+    const auto scripted = Take(dialogs_);
+    if (scripted->act) scripted->act(dialog);
+}
+
 Answer HeadlessDialogHost::MsgBox(const Message& message) {
     messages_.push_back(message);
     const bool expected = !scriptedMessages_.empty() &&

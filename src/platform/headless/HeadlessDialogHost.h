@@ -21,7 +21,7 @@ class HeadlessDialogHost : public DialogHost {
 
     /** The next message box. With a text, that box must hold it, or it counts as unscripted. */
     void ExpectMessage(Answer answer, std::string text = "");
-    /** The next dialog of this form: `act` presses its controls. One left open is closed. */
+    /** The next dialog of this form: `act` presses its controls. A modal one left open is closed. */
     void ExpectDialog(std::string form, std::function<void(Dialog&)> act);
     void ExpectFile(std::string path) { files_.push_back(std::move(path)); }  ///< open and save
     void ExpectFolder(std::string path) { folders_.push_back(std::move(path)); }
@@ -33,6 +33,8 @@ class HeadlessDialogHost : public DialogHost {
     const std::vector<FileQuestion>& FileQuestions() const { return fileQuestions_; }
 
     void ShowModal(Dialog& dialog) override;
+    /** Waits for no answer, and so needs no script: the test has the dialog in its hands. */
+    void Show(Dialog& dialog) override;
     Answer MsgBox(const Message& message) override;
     std::string OpenFile(const FileQuestion& question) override;
     std::string SaveFile(const FileQuestion& question) override;
@@ -60,7 +62,7 @@ class HeadlessDialogHost : public DialogHost {
     std::deque<std::optional<Color>> colors_;
     std::vector<Message> messages_;
     std::vector<FileQuestion> fileQuestions_;
-    int open_ = 0;
+    int open_ = 0;  ///< modal ones
 };
 
 /**
@@ -72,6 +74,7 @@ class PrintingDialogHost : public DialogHost {
     explicit PrintingDialogHost(std::ostream& out) : out_(out) {}
 
     void ShowModal(Dialog& dialog) override;
+    void Show(Dialog& dialog) override { ShowModal(dialog); }
     Answer MsgBox(const Message& message) override;
     std::string OpenFile(const FileQuestion&) override { return ""; }
     std::string SaveFile(const FileQuestion&) override { return ""; }

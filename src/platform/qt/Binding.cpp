@@ -217,6 +217,7 @@ class ComboBinding : public Binding {
   protected:
     void show(Aspect aspect) override {
         if (typing_) return;  // what is typed stays as it is under the caret
+        if (aspect == Aspect::Focus && combo_->lineEdit()) combo_->lineEdit()->selectAll();
         const QSignalBlocker quiet(combo_);
         if (aspect == Aspect::Items) {
             QStringList items;
@@ -435,6 +436,8 @@ std::unique_ptr<Binding> makeBinding(Control& control, QWidget& widget) {
             return makeIfFits<UpDownBinding>(control, widget);
         case ControlKind::DatePicker:
             return makeIfFits<DateBinding>(control, widget);
+        case ControlKind::Splitter:
+            return makeSplitterBinding(control, widget);
     }
     return nullptr;
 }

@@ -44,5 +44,6 @@ std::unique_ptr<Binding> makeBinding(Control& control, QWidget& widget);
 std::unique_ptr<Binding> makeTextBinding(Control& control, QWidget& widget);
 std::unique_ptr<Binding> makeListBinding(Control& control, QWidget& widget);
 std::unique_ptr<Binding> makeTreeBinding(Control& control, QWidget& widget);
+std::unique_ptr<Binding> makeSplitterBinding(Control& control, QWidget& widget);
 
 }  // namespace pw

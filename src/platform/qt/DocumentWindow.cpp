@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QVBoxLayout>
+#include <QWebEngineView>
 
 #include "platform/qt/ImageList.h"
 #include "platform/qt/QtText.h"
@@ -72,9 +73,6 @@ DocumentWindow::DocumentWindow(QMdiArea& area, const EditorFactory& editors)
     };
     source_->events.mouseDown = [this] {
         if (events.sourceMouseDown) events.sourceMouseDown();
-    };
-    source_->events.contextMenu = [this] {
-        if (events.sourceContextMenu) events.sourceContextMenu();
     };
     preview_->events.mouseDown = [this](dom::Node*) {
         if (events.previewMouseDown) events.previewMouseDown();
@@ -163,6 +161,18 @@ void DocumentWindow::SetViewTabs(int count, View selected) {
 
 void DocumentWindow::ShowPreview(const std::string& html, const std::string& baseUrl) {
     preview_->showHtml(html, baseUrl);
+}
+
+bool DocumentWindow::Print(const std::string& title) {
+    std::unique_ptr<QPrinter> printer = askForPrinter(toQt(title), area_.window());
+    return !printer || printTo(std::move(printer));
+}
+
+bool DocumentWindow::printTo(std::unique_ptr<QPrinter> printer) {
+    const QWidget* seen = views_->currentWidget();
+    if (seen == source_) return printText(*source_->forPaper(), *printer);
+    auto* page = seen->findChild<QWebEngineView*>();
+    return page && printPage(*page, std::move(printer));
 }
 
 void DocumentWindow::BringToFront() {

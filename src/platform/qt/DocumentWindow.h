@@ -10,6 +10,7 @@
 #include "mainwindow/Surfaces.h"
 #include "platform/qt/EditorFactory.h"
 #include "platform/qt/PreviewView.h"
+#include "platform/qt/Printing.h"
 #include "platform/qt/SourceView.h"
 
 namespace pw {
@@ -44,8 +45,12 @@ class DocumentWindow : public QObject, public DocumentSurface {
     void ShowView(View view) override;
     void SetViewTabs(int count, View selected) override;
     void ShowPreview(const std::string& html, const std::string& baseUrl) override;
+    bool Print(const std::string& title) override;
     void BringToFront() override;
     bool IsVisible() const override;
+
+    /** What Print does when the user has chosen. */
+    bool printTo(std::unique_ptr<QPrinter> printer);
 
     QMdiSubWindow* frame() const { return frame_; }
     QTabBar& tabs() { return *tabs_; }

@@ -1,5 +1,9 @@
 #include "platform/qt/ListModel.h"
 
+#include <QBrush>
+#include <QGuiApplication>
+#include <QPalette>
+
 #include "platform/qt/ImageList.h"
 #include "platform/qt/QtText.h"
 
@@ -47,7 +51,7 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
     if (!index.isValid() || index.row() >= list_.Count()) return {};
     const bool first = index.column() == 0;
     const bool known = role == Qt::DisplayRole || role == Qt::ToolTipRole ||
-                       role == Qt::TextAlignmentRole ||
+                       role == Qt::TextAlignmentRole || role == Qt::ForegroundRole ||
                        (first && (role == Qt::DecorationRole || role == Qt::CheckStateRole));
     if (!known) return {};
     const auto column = std::size_t(index.column());
@@ -57,6 +61,9 @@ QVariant ListModel::data(const QModelIndex& index, int role) const {
     }
     const ListRow row = list_.Row(index.row());
     switch (role) {
+        case Qt::ForegroundRole:
+            if (!row.dimmed) return {};
+            return QGuiApplication::palette().brush(QPalette::Disabled, QPalette::Text);
         case Qt::DecorationRole:
             return row.image != 0 ? QVariant(imageIcon(row.image)) : QVariant();
         case Qt::CheckStateRole:

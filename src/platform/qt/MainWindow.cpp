@@ -12,6 +12,7 @@
 #include <QStatusBar>
 #include <QStyledItemDelegate>
 #include <QTreeView>
+#include <QVBoxLayout>
 
 #include "platform/qt/CommandBarView.h"
 #include "platform/qt/DocumentWindow.h"
@@ -98,34 +99,30 @@ void MainWindow::makePanes() {
         activePage_ = window;
         if (auto* page = qobject_cast<DocumentFrame*>(window)) page->tellActivated();
     });
-    welcome_ = new WelcomePage(this);
-    connect(welcome_, &WelcomePage::newProject, this, [this] {
-        if (events.newProject) events.newProject();
-    });
-    connect(welcome_, &WelcomePage::openProject, this, [this] {
-        if (events.openProject) events.openProject();
-    });
-    connect(welcome_, &WelcomePage::openRecent, this, [this](const QString& path) {
-        if (events.openRecent) events.openRecent(fromNativeQt(path));
-    });
     centre_ = new QStackedWidget(this);
     centre_->addWidget(pages_);
-    centre_->addWidget(welcome_);
 
     auto* project = new ExplorerPane(QStringLiteral("picProjectExplorer"), tr("Project Explorer"),
                                      makeExplorer(QStringLiteral("tvwProjectExplorer")), this);
     auto* page = new ExplorerPane(QStringLiteral("picPageExplorer"), tr("Page Explorer"),
                                   makeExplorer(QStringLiteral("tvwPageExplorer")), this);
-    auto* tasks = new ExplorerPane(QStringLiteral("picTaskExplorer"), tr("Task Explorer"),
-                                   makeExplorer(QStringLiteral("lvwTasks")), this);
+    QTreeView* list = makeExplorer(QStringLiteral("lvwTasks"));
+    list->setProperty("checkable", true);
+    auto* tasks =
+        new ExplorerPane(QStringLiteral("picTaskExplorer"), tr("Task Explorer"), list, this);
     addExplorer(project, projectPane, 209);
     addExplorer(page, pageExplorerPane, 210);
     addExplorer(tasks, taskPane, 211);
 
-    auto* explorers = new QSplitter(Qt::Vertical, this);
+    auto* trees = new QSplitter(Qt::Vertical, this);
+    trees->setObjectName(QStringLiteral("splitterTrees"));
+    trees->addWidget(project);
+    trees->addWidget(page);
+    auto* explorers = new QWidget(this);
     explorers->setObjectName(QStringLiteral("picExplorers"));
-    explorers->addWidget(project);
-    explorers->addWidget(page);
+    auto* column = new QVBoxLayout(explorers);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(trees);
     auto* beside = new QSplitter(Qt::Horizontal, this);
     beside->setObjectName(QStringLiteral("splitterExplorer"));
     beside->addWidget(explorers);
@@ -138,11 +135,26 @@ void MainWindow::makePanes() {
     above->addWidget(tasks);
     above->setStretchFactor(0, 1);
     above->setSizes({600, 140});
-    for (QSplitter* splitter : {explorers, beside, above}) {
+    for (QSplitter* splitter : {trees, beside, above}) {
         splitter->setChildrenCollapsible(false);
         splitter->setHandleWidth(5);
     }
     setCentralWidget(above);
+}
+
+// Made when there is something to welcome: most starts open a project.
+void MainWindow::makeWelcome() {
+    welcome_ = new WelcomePage(this);
+    connect(welcome_, &WelcomePage::newProject, this, [this] {
+        if (events.newProject) events.newProject();
+    });
+    connect(welcome_, &WelcomePage::openProject, this, [this] {
+        if (events.openProject) events.openProject();
+    });
+    connect(welcome_, &WelcomePage::openRecent, this, [this](const QString& path) {
+        if (events.openRecent) events.openRecent(fromNativeQt(path));
+    });
+    centre_->addWidget(welcome_);
 }
 
 void MainWindow::addExplorer(ExplorerPane* pane, int number, int tool) {
@@ -160,19 +172,15 @@ void MainWindow::focusMoved(const QWidget* now) {
 }
 
 void MainWindow::makeStatusBar() {
-    struct Panel {
-        int stretch;
-        int minimumWidth;
-    };
-    constexpr Panel panels[] = {{10, 120}, {0, 150}, {0, 260}};
     for (int i = 0; i < 3; ++i) {
         auto* panel = new StatusPanel(this);
         panel->setObjectName(QStringLiteral("sbrMain_%1").arg(i));
-        panel->setMinimumWidth(panels[i].minimumWidth);
+        // The first one's texts come and go; the others' must not be cut.
+        if (i == 0) panel->setYielding();
         connect(panel, &StatusPanel::pressed, this, [this, i] {
             if (actions_.panelPressed) actions_.panelPressed(i);
         });
-        statusBar()->addPermanentWidget(panel, panels[i].stretch);
+        statusBar()->addPermanentWidget(panel, i == 0 ? 1 : 0);
         if (i == 0) {
             auto* progress = new QProgressBar(this);
             progress->setObjectName(QStringLiteral("prgProgress"));
@@ -354,7 +362,8 @@ void MainWindow::ShowWelcome(bool show, const std::vector<std::string>& recentPr
     QStringList paths;
     for (const std::string& path : recentProjects)
         paths << toNativeQt(path);
-    welcome_->setRecentProjects(paths);
+    if (show && !welcome_) makeWelcome();
+    if (welcome_) welcome_->setRecentProjects(paths);
     centre_->setCurrentWidget(show ? static_cast<QWidget*>(welcome_) : pages_);
 }
 

@@ -75,6 +75,7 @@ class MainWindow : public QMainWindow, public MainWindowSurface {
 
   private:
     void makePanes();
+    void makeWelcome();
     void makeStatusBar();
     void arrangeToolBars();
     void tile(Qt::Orientation direction);

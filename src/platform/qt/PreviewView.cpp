@@ -3,6 +3,7 @@
 #include <QChildEvent>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QPointer>
 #include <QVBoxLayout>
 #include <QWebEnginePage>
 #include <QWebEngineSettings>
@@ -30,20 +31,44 @@ class PreviewView::Page : public QWebEnginePage {
   public:
     explicit Page(PreviewView& owner) : QWebEnginePage(&owner), owner_(owner) {}
 
+    bool mayFollow(const QUrl& url) const {
+        // A script in the place of an address is run by the browser, which asks nobody. So neither
+        // the element that was pressed nor the one round it has such an address here.
+        return !owner_.events.clicked || owner_.events.clicked(fromQt(url.toString()), {});
+    }
+
   protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool mainFrame) override {
-        if (type != NavigationTypeLinkClicked) {
-            return QWebEnginePage::acceptNavigationRequest(url, type, mainFrame);
-        }
-        const std::string href = fromQt(url.toString());
-        return !owner_.events.clicked || owner_.events.clicked(href, std::string());
+        if (type == NavigationTypeLinkClicked) return mayFollow(url);
+        return QWebEnginePage::acceptNavigationRequest(url, type, mainFrame);
     }
-    // There are no windows but this one.
-    QWebEnginePage* createWindow(WebWindowType) override { return this; }
+    QWebEnginePage* createWindow(WebWindowType) override;
 
   private:
     PreviewView& owner_;
 };
+
+/** There are no windows but this one: what is to open in another opens here. The browser must be
+ *  given a page of its own for that, which lives until it knows the address. */
+class PreviewView::PassingPage : public QWebEnginePage {
+  public:
+    explicit PassingPage(Page& target) : QWebEnginePage(&target), target_(target) {}
+
+  protected:
+    bool acceptNavigationRequest(const QUrl& url, NavigationType, bool) override {
+        const QPointer<Page> target(&target_);
+        if (target_.mayFollow(url) && target) target->setUrl(url);
+        deleteLater();
+        return false;
+    }
+
+  private:
+    Page& target_;
+};
+
+QWebEnginePage* PreviewView::Page::createWindow(WebWindowType) {
+    return new PassingPage(*this);
+}
 
 PreviewView::PreviewView(QWidget* parent) : QWidget(parent) {
     auto* layout = new QVBoxLayout(this);
@@ -53,6 +78,7 @@ PreviewView::PreviewView(QWidget* parent) : QWidget(parent) {
 QWebEngineView& PreviewView::view() {
     if (view_) return *view_;
     view_ = new QWebEngineView(this);
+    zoom_.emplace(*view_);
     auto* page = new Page(*this);
     view_->setPage(page);
     page->settings()->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
@@ -63,6 +89,7 @@ QWebEngineView& PreviewView::view() {
     connect(page, &QWebEnginePage::loadStarted, this, [this] { loading_ = true; });
     connect(page, &QWebEnginePage::loadFinished, this, [this] {
         loading_ = false;
+        zoom_->restore();
         if (events.loaded) events.loaded();
     });
     return *view_;
@@ -119,6 +146,7 @@ bool PreviewView::Capture(const std::string& path) {
 }
 
 bool PreviewView::eventFilter(QObject* watched, QEvent* event) {
+    if (PageZoom::concerns(*event) && zoom_->takes(*event)) return true;
     // The browser takes its events in a child of its own, made anew with each page.
     if (event->type() == QEvent::ChildAdded) {
         static_cast<QChildEvent*>(event)->child()->installEventFilter(this);

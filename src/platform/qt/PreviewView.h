@@ -1,7 +1,9 @@
 #pragma once
 #include <QStackedWidget>
+#include <optional>
 
 #include "platform/EditorSurface.h"
+#include "platform/qt/editor/PageZoom.h"
 
 class QWebEngineView;
 
@@ -35,8 +37,10 @@ class PreviewView : public QWidget, public EditorSurface {
 
   private:
     class Page;
+    class PassingPage;
     QWebEngineView& view();
     QWebEngineView* view_ = nullptr;
+    std::optional<PageZoom> zoom_;  ///< of view_
     bool loading_ = false;
 };
 

@@ -1,11 +1,8 @@
 #include "platform/qt/QtClipboard.h"
 
 #include <QClipboard>
-#include <QDesktopServices>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QProcess>
-#include <QUrl>
 
 #include "platform/qt/QtText.h"
 
@@ -20,6 +17,15 @@ std::string QtClipboard::Html() const {
     return data && data->hasHtml() ? fromQt(data->html()) : std::string();
 }
 
+std::vector<std::string> QtClipboard::Files() const {
+    std::vector<std::string> files;
+    const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+    if (!data) return files;
+    for (const QUrl& url : data->urls())
+        if (url.isLocalFile()) files.push_back(fromNativeQt(url.toLocalFile()));
+    return files;
+}
+
 void QtClipboard::Set(const std::string& text, const std::string& html) {
     auto* data = new QMimeData;
     data->setText(toQt(text));
@@ -29,16 +35,6 @@ void QtClipboard::Set(const std::string& text, const std::string& html) {
 
 void QtClipboard::Clear() {
     QGuiApplication::clipboard()->clear();
-}
-
-bool QtLauncher::Start(const std::string& program, const std::string& argument) {
-    QStringList arguments;
-    if (!argument.empty()) arguments << toQt(argument);
-    return QProcess::startDetached(toNativeQt(program), arguments);
-}
-
-bool QtLauncher::OpenUrl(const std::string& url) {
-    return QDesktopServices::openUrl(QUrl(toQt(url)));
 }
 
 }  // namespace pw

@@ -1,6 +1,5 @@
 #pragma once
 #include "platform/Clipboard.h"
-#include "platform/SystemInfo.h"
 
 namespace pw {
 
@@ -8,15 +7,9 @@ class QtClipboard : public Clipboard {
   public:
     std::string Text() const override;
     std::string Html() const override;
+    std::vector<std::string> Files() const override;
     void Set(const std::string& text, const std::string& html) override;
     void Clear() override;
-};
-
-/** Starts programs beside this one, and pages in the desktop's browser. */
-class QtLauncher : public Launcher {
-  public:
-    bool Start(const std::string& program, const std::string& argument) override;
-    bool OpenUrl(const std::string& url) override;
 };
 
 }  // namespace pw

@@ -7,9 +7,11 @@
 #include <QGuiApplication>
 #include <QMessageBox>
 
+#include <algorithm>
+
 #include "platform/controls/Dialog.h"
 #include "platform/qt/ColorButton.h"
-#include "platform/qt/ModalForm.h"
+#include "platform/qt/DialogForm.h"
 #include "platform/qt/QtText.h"
 
 namespace pw {
@@ -132,16 +134,32 @@ QStringList nameFilters(const std::string& filter) {
     return filters;
 }
 
+QtDialogHost::QtDialogHost(QWidget* parent) : parent_(parent) {}
+QtDialogHost::~QtDialogHost() = default;
+
 QWidget* QtDialogHost::owner() const {
     // Over the dialog that asks, if one is up.
     if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    QWidget* active = QApplication::activeWindow();
+    for (const auto& form : shown_) {
+        if (form->isShownIn(active)) return active;
+    }
     return parent_ && parent_->isVisible() ? parent_ : nullptr;
 }
 
 void QtDialogHost::ShowModal(Dialog& dialog) {
     const Up up(open_);
-    ModalForm form(dialog, owner(), help_);
+    DialogForm form(dialog, owner(), help_);
     form.run();
+}
+
+void QtDialogHost::Show(Dialog& dialog) {
+    const auto isOfDialog = [&dialog](const auto& form) { return &form->dialog() == &dialog; };
+    const auto open = std::find_if(shown_.begin(), shown_.end(), isOfDialog);
+    if (open != shown_.end()) return (*open)->bringToFront();
+    QWidget* main = parent_ && parent_->isVisible() ? parent_ : nullptr;
+    DialogForm& form = *shown_.emplace_back(std::make_unique<DialogForm>(dialog, main, help_));
+    form.show([this, isOfDialog] { std::erase_if(shown_, isOfDialog); });
 }
 
 Answer QtDialogHost::MsgBox(const Message& message) {

@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QTextBlock>
+#include <QWheelEvent>
 
 #include "platform/Text.h"
 #include "platform/qt/ColorButton.h"
@@ -55,7 +56,7 @@ SourceView::SourceView(QWidget* parent)
     setFont(fixed);
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(tr("HTML source"));
-    setTabStopDistance(4 * fontMetrics().horizontalAdvance(QLatin1Char(' ')));
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, &SourceView::markCurrentLine);
     connect(this, &QPlainTextEdit::blockCountChanged, this, &SourceView::placeLineNumbers);
     connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& rect, int dy) {
         if (dy != 0) {
@@ -97,12 +98,28 @@ void SourceView::Recolor(const SourceColors& colors) {
     showColors(colors);
 }
 
+std::unique_ptr<QTextDocument> SourceView::forPaper() const {
+    auto paper = std::make_unique<QTextDocument>();
+    paper->setDocumentLayout(new QPlainTextDocumentLayout(paper.get()));  // the quick one
+    paper->setDefaultFont(font());
+    paper->setPlainText(
+        document()->toRawText().replace(QChar::ParagraphSeparator, QLatin1Char('\n')));
+    SourceHighlighter coloring(*paper);
+    // What is bright enough for a dark background can not be read on white: plain text can.
+    const bool dark = SourceHighlighter::textColor(colors_) != QColor(Qt::black);
+    coloring.reset(dark ? SourceColors{} : colors_);
+    coloring.color(0, paper->blockCount() - 1);
+    return paper;
+}
+
 void SourceView::showColors(const SourceColors& colors) {
+    colors_ = colors;
     QPalette chosen = palette();
     chosen.setColor(QPalette::Base, toQColor(colors.background));
     chosen.setColor(QPalette::Text, SourceHighlighter::textColor(colors));
     setPalette(chosen);
     highlighter_->reset(colors);
+    markCurrentLine();
     viewport()->update();
     lineNumbers_->update();
 }
@@ -172,15 +189,6 @@ void SourceView::mousePressEvent(QMouseEvent* event) {
     if (events.mouseDown) events.mouseDown();
 }
 
-void SourceView::contextMenuEvent(QContextMenuEvent* event) {
-    if (events.contextMenu) {
-        events.contextMenu();
-        event->accept();
-    } else {
-        QPlainTextEdit::contextMenuEvent(event);
-    }
-}
-
 void SourceView::keyPressEvent(QKeyEvent* event) {
     // A line break inside a block would come back as a line end that was never there.
     if (event->key() == Qt::Key_Return && event->modifiers() == Qt::ShiftModifier) {
@@ -189,6 +197,29 @@ void SourceView::keyPressEvent(QKeyEvent* event) {
     } else {
         QPlainTextEdit::keyPressEvent(event);
     }
+}
+
+void SourceView::wheelEvent(QWheelEvent* event) {
+    if (!(event->modifiers() & Qt::ControlModifier)) return QPlainTextEdit::wheelEvent(event);
+    constexpr int notch = 120;
+    turned_ += event->angleDelta().y();
+    zoomBy(turned_ / notch);
+    turned_ %= notch;
+    event->accept();
+}
+
+void SourceView::zoomBy(int points) {
+    QFont sized = font();
+    sized.setPointSizeF(qBound(6.0, sized.pointSizeF() + points, 48.0));
+    setFont(sized);
+}
+
+void SourceView::changeEvent(QEvent* event) {
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() != QEvent::FontChange || !lineNumbers_) return;
+    setTabStopDistance(4 * fontMetrics().horizontalAdvance(QLatin1Char(' ')));
+    placeLineNumbers();
+    lineNumbers_->update();
 }
 
 void SourceView::insertFromMimeData(const QMimeData* source) {
@@ -235,16 +266,28 @@ void SourceView::resizeEvent(QResizeEvent* event) {
     placeLineNumbers();
 }
 
-void SourceView::paintLineNumbers(QPaintEvent* event) {
-    QPainter painter(lineNumbers_);
+QColor SourceView::shade(int share) const {
     const QColor base = palette().color(QPalette::Base);
     const QColor text = palette().color(QPalette::Text);
-    const auto mixed = [&](int share) {
-        return QColor((base.red() * (100 - share) + text.red() * share) / 100,
-                      (base.green() * (100 - share) + text.green() * share) / 100,
-                      (base.blue() * (100 - share) + text.blue() * share) / 100);
+    const auto mixed = [share](int from, int to) {
+        return (from * (100 - share) + to * share) / 100;
     };
-    painter.fillRect(event->rect(), mixed(5));
+    return QColor(mixed(base.red(), text.red()), mixed(base.green(), text.green()),
+                  mixed(base.blue(), text.blue()));
+}
+
+void SourceView::markCurrentLine() {
+    QTextEdit::ExtraSelection line;
+    line.format.setBackground(shade(6));
+    line.format.setProperty(QTextFormat::FullWidthSelection, true);
+    line.cursor = textCursor();
+    line.cursor.clearSelection();
+    setExtraSelections({line});
+}
+
+void SourceView::paintLineNumbers(QPaintEvent* event) {
+    QPainter painter(lineNumbers_);
+    painter.fillRect(event->rect(), shade(5));
     painter.setFont(font());
     const int current = textCursor().blockNumber();
     QTextBlock block = firstVisibleBlock();
@@ -252,7 +295,7 @@ void SourceView::paintLineNumbers(QPaintEvent* event) {
     while (block.isValid() && top <= event->rect().bottom()) {
         const qreal height = blockBoundingRect(block).height();
         if (block.isVisible() && top + height >= event->rect().top()) {
-            painter.setPen(mixed(block.blockNumber() == current ? 80 : 45));
+            painter.setPen(shade(block.blockNumber() == current ? 80 : 45));
             painter.drawText(QRectF(0, top, lineNumbers_->width() - 8, fontMetrics().height()),
                              Qt::AlignRight, QString::number(block.blockNumber() + 1));
         }

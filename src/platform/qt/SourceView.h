@@ -3,6 +3,7 @@
 #include <QTextCursor>
 
 #include <functional>
+#include <memory>
 
 #include "mainwindow/Surfaces.h"
 
@@ -31,37 +32,43 @@ class SourceView : public QPlainTextEdit, public SourceBox {
     bool CanUndo() const override { return document()->isUndoAvailable(); }
     bool CanRedo() const override { return document()->isRedoAvailable(); }
     void SetFocus() override { setFocus(); }
-    void BeginStep() override { QTextCursor(document()).beginEditBlock(); }
-    void EndStep() override { QTextCursor(document()).endEditBlock(); }
 
     struct Events {
         std::function<void()> typed;
         std::function<void()> mouseDown;
-        std::function<void()> contextMenu;
     };
     Events events;
 
     int lineNumberWidth() const;
     void paintLineNumbers(QPaintEvent* event);
+    /** A copy of the text, wholly coloured, for white paper. */
+    std::unique_ptr<QTextDocument> forPaper() const;
     SourceHighlighter& highlighter() { return *highlighter_; }
 
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void insertFromMimeData(const QMimeData* source) override;
 
   private:
     void showColors(const SourceColors& colors);
     void placeLineNumbers();
+    void markCurrentLine();
+    void zoomBy(int points);
+    /** The background with a share (0 to 100) of the text's colour in it. */
+    QColor shade(int share) const;
     int lastVisibleBlock() const;
     std::size_t byteOffset(int position) const;
     int positionOf(std::size_t byteOffset) const;
 
     SourceHighlighter* highlighter_;
-    QWidget* lineNumbers_;
+    QWidget* lineNumbers_ = nullptr;
+    int turned_ = 0;  ///< of the wheel, less than a notch
+    SourceColors colors_;
     bool setting_ = false;
 };
 

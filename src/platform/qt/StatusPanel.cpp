@@ -8,11 +8,17 @@
 
 namespace pw {
 
+namespace {
+constexpr int margin = 6;
+constexpr int iconSize = 16;
+constexpr int smallest = 60;
+}  // namespace
+
 StatusPanel::StatusPanel(QWidget* parent)
     : QFrame(parent), icon_(new QLabel(this)), label_(new QLabel(this)) {
     auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(6, 0, 6, 0);
-    layout->setSpacing(6);
+    layout->setContentsMargins(margin, 0, margin, 0);
+    layout->setSpacing(margin);
     layout->addWidget(icon_);
     layout->addWidget(label_, 1);
     label_->setTextFormat(Qt::PlainText);
@@ -23,6 +29,7 @@ StatusPanel::StatusPanel(QWidget* parent)
 void StatusPanel::setText(const QString& text) {
     text_ = text;
     setAccessibleName(text);
+    updateGeometry();
     showText();
 }
 
@@ -35,12 +42,27 @@ void StatusPanel::setImage(int image) {
 void StatusPanel::showImage() {
     const QIcon icon = imageIcon(image_);
     icon_->setVisible(!icon.isNull());
-    icon_->setPixmap(icon.pixmap(QSize(16, 16), devicePixelRatioF()));
+    updateGeometry();
+    icon_->setPixmap(icon.pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
+}
+
+void StatusPanel::setYielding() {
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+}
+
+QSize StatusPanel::sizeHint() const {
+    const int icon = icon_->isHidden() ? 0 : iconSize + margin;
+    // One pixel more: widths of texts are rounded.
+    const int text = label_->fontMetrics().horizontalAdvance(text_) + 1;
+    return QSize(icon + text + 2 * (margin + frameWidth()), QFrame::sizeHint().height());
+}
+
+QSize StatusPanel::minimumSizeHint() const {
+    return QSize(smallest, QFrame::minimumSizeHint().height());
 }
 
 void StatusPanel::showText() {
     label_->setText(label_->fontMetrics().elidedText(text_, Qt::ElideRight, label_->width()));
-    updateGeometry();
 }
 
 void StatusPanel::mousePressEvent(QMouseEvent* event) {

@@ -13,6 +13,11 @@ class StatusPanel : public QFrame {
     QString text() const { return text_; }
     /** Number in the main image list; 0 for none. */
     void setImage(int image);
+    /** Takes what room the others leave, whatever its text. */
+    void setYielding();
+    /** Room for all of the text. */
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
   signals:
     void pressed(const QPoint& globalPosition);

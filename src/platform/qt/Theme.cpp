@@ -7,9 +7,10 @@
 #include <QDBusPendingReply>
 #include <QEvent>
 #include <QIcon>
+#include <QPainter>
 #include <QPalette>
+#include <QProxyStyle>
 #include <QStandardPaths>
-#include <QStyleFactory>
 
 namespace pw {
 
@@ -54,6 +55,37 @@ QPalette darkPalette() {
     return palette;
 }
 
+/** The desktop's style, but for two things. */
+class QuickStyle : public QProxyStyle {
+  public:
+    using QProxyStyle::QProxyStyle;
+
+    // Every toolbar asks for the picture of its "more" button when it is made. The usual one is a
+    // bitmap, for which Qt would load the readers of all picture formats before the window is up.
+    QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
+                       const QWidget* widget) const override {
+        const char* name = which == SP_ToolBarHorizontalExtensionButton ? "arrow-right-double"
+                           : which == SP_ToolBarVerticalExtensionButton ? "arrow-down-double"
+                                                                        : nullptr;
+        const QIcon icon = name ? QIcon::fromTheme(QLatin1String(name)) : QIcon();
+        return icon.isNull() ? QProxyStyle::standardIcon(which, option, widget) : icon;
+    }
+
+    // White pictures on a dark ground come out as bright as ever by the usual way.
+    QPixmap generatedIconPixmap(QIcon::Mode mode, const QPixmap& picture,
+                                const QStyleOption* option) const override {
+        if (mode != QIcon::Disabled) return QProxyStyle::generatedIconPixmap(mode, picture, option);
+        constexpr qreal kFaint = 0.4;
+        QPixmap faint(picture.size());
+        faint.setDevicePixelRatio(picture.devicePixelRatio());
+        faint.fill(Qt::transparent);
+        QPainter painter(&faint);
+        painter.setOpacity(kFaint);
+        painter.drawPixmap(0, 0, picture);
+        return faint;
+    }
+};
+
 /** Without a desktop Qt looks for icons in its own resources alone. */
 void searchSystemIcons() {
     QStringList folders = QIcon::themeSearchPaths();
@@ -82,6 +114,7 @@ Theme::Theme(QApplication& application, ColorScheme scheme)
     searchSystemIcons();
     ownIcons_ = !desktopIconsSuffice();
     application.installEventFilter(this);
+    application.setStyle(new QuickStyle);
     setScheme(scheme);
     if (scheme == ColorScheme::AsDesktop && !isDark()) askDesktop();
 }
@@ -125,7 +158,7 @@ bool Theme::isDark() {
 
 void Theme::setScheme(ColorScheme scheme) {
     if (scheme != ColorScheme::AsDesktop) {
-        application_.setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+        application_.setStyle(new QuickStyle(QStringLiteral("Fusion")));
         application_.setPalette(
             scheme == ColorScheme::Dark ? darkPalette() : application_.style()->standardPalette());
     }

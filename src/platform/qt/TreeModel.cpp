@@ -30,9 +30,8 @@ const std::vector<TreeNode*>& TreeModel::childrenOf(const QModelIndex& parent) c
 QModelIndex TreeModel::indexOf(const TreeNode* node) const {
     if (!node || resetting_) return {};
     const auto& siblings = node->parent ? node->parent->children : tree_.Roots();
-    const auto at = std::find(siblings.begin(), siblings.end(), node);
-    if (at == siblings.end()) return {};
-    return createIndex(int(at - siblings.begin()), 0, node);
+    const std::size_t at = node->IndexAmong(siblings);
+    return at < siblings.size() ? createIndex(int(at), 0, node) : QModelIndex();
 }
 
 QModelIndex TreeModel::index(int row, int column, const QModelIndex& parent) const {

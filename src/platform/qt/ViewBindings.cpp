@@ -114,7 +114,8 @@ class ListBinding : public ViewBinding<ListView> {
         }
         if (header_) {
             header_->setSectionsClickable(true);
-            connect(header_, &QHeaderView::sectionClicked, this, &ListBinding::headerClicked);
+            connect(header_, &QHeaderView::sectionClicked, this,
+                    [this](int column) { model_.UserColumnClick(column); });
         }
         followSelection();
     }
@@ -138,6 +139,7 @@ class ListBinding : public ViewBinding<ListView> {
         due_ = false;
         rows_.refresh();
         showWidths();
+        showOrder();
         showSelection();
     }
 
@@ -166,23 +168,17 @@ class ListBinding : public ViewBinding<ListView> {
     }
     bool programSelects() const override { return settling_; }
 
-    void headerClicked(int column) {
-        descending_ = column == sortColumn_ && !descending_;
-        sortColumn_ = column;
+    void showOrder() {
+        if (!header_ || model_.SortColumn() < 0) return;
         header_->setSortIndicatorShown(true);
-        header_->setSortIndicator(column, descending_ ? Qt::DescendingOrder : Qt::AscendingOrder);
-        if (model_.ColumnClick) {
-            model_.ColumnClick(column);
-        } else {
-            model_.SortBy(column);
-        }
+        header_->setSortIndicator(model_.SortColumn(), model_.SortDescending()
+                                                           ? Qt::DescendingOrder
+                                                           : Qt::AscendingOrder);
     }
 
     ListModel rows_;
     QHeaderView* header_ = nullptr;
     std::size_t columnsShown_ = 0;
-    int sortColumn_ = -1;
-    bool descending_ = false;
     bool due_ = false;
     bool settling_ = false;
 };

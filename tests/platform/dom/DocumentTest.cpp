@@ -321,6 +321,30 @@ TEST(Document, ReadsWhatTheLogicAsksFor) {
     EXPECT_FALSE(Document::parseText("<!doctype html>")->quirks());
 }
 
+TEST(Document, AFormHoldsItsLastText) {
+    struct Row {
+        const char* source;
+        const char* inside;
+        const char* edited;  ///< with an image put at the end of the form
+    };
+    for (const Row& row :
+         {Row{"<form>name</form>behind", "name", "<form>name<img></form>behind"},
+          Row{"<form><p>a</p>\n tail &amp; </FORM >\n<p>b", "<p>a</p>\n tail &amp; ",
+              "<form><p>a</p>\n tail &amp; <img></FORM >\n<p>b"},
+          Row{"<td><form>a</b>c</form>d</form>e", "a</b>c", "<form>a</b>c<img></form>d</form>e"},
+          Row{"<form>a</form>b<form>c</form>", "a", "<form>a<img></form>b<form>c</form>"},
+          Row{"<form><p>a</form>b", "<p>a", nullptr}, Row{"<form></form>b</form>", "", nullptr},
+          Row{"<form>open", "open", nullptr}}) {
+        const auto page = Document::parseText(row.source);
+        EXPECT_EQ(page->html(), row.source);
+        EXPECT_EQ(page->innerHTML(*first(*page, "form")), row.inside) << row.source;
+        page->insertNode(*first(*page, "form"), *page->createElement("img"), nullptr);
+        if (!row.edited) continue;
+        const std::string html = page->html();
+        EXPECT_NE(html.find(row.edited), html.npos) << html;
+    }
+}
+
 TEST(Document, TypingDoesNotRebuildTheListOfElements) {
     const auto page = Document::parseText("<p>a</p><p>b</p>");
     const std::vector<Node*>* list = &page->all();

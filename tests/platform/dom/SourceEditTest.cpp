@@ -79,6 +79,27 @@ TEST(SourceEdit, KeepsTheNodesThatStandInBoth) {
     EXPECT_EQ(page->selection().focus, (Position{paragraph->firstChild(), 7}));
 }
 
+TEST(SourceEdit, KeepsNodesThatTheProgramHasMade) {
+    const auto page = Document::parseText(kPage);
+    Node* first = page->tags("p")[0];
+    page->insertAdjacentHTML(*first, "afterEnd",
+                             "<p align=right>n&eacute;w <b>one</b><br>&amp; <img src='a.gif'></p>"
+                             "<!-- note --><script>a < b</script>");
+    page->setInnerHTML(*page->tags("li")[0], "<i>x</i>");
+    std::vector<Node*> made;
+    for (const char* tag : {"b", "br", "img", "!", "script", "i"})
+        made.push_back(page->tags(tag)[0]);
+    Node* text = page->tags("b")[0]->firstChild();
+    const std::string before = page->html();
+    ASSERT_TRUE(page->setHtml(replaced(before, "three", "3")));
+    for (const Node* node : made)
+        EXPECT_TRUE(page->isConnected(node)) << node->tagName();
+    EXPECT_TRUE(page->isConnected(text));
+    EXPECT_EQ(page->html(), replaced(before, "three", "3"));
+    page->undo();
+    EXPECT_EQ(page->html(), before);
+}
+
 TEST(SourceEdit, ReplacesAStretch) {
     const auto page = Document::parseText("<P  ID=a>x</P>");
     ASSERT_TRUE(page->replaceSource(2, 4, " "));

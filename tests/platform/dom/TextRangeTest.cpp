@@ -1,5 +1,7 @@
 #include "platform/dom/TextRange.h"
 
+#include <chrono>
+
 #include "support/MarkupSelection.h"
 
 namespace pw::dom {
@@ -210,6 +212,79 @@ TEST(TextRange, Finds) {
             EXPECT_EQ(markupOf(*page), row.after);
         }
     }
+}
+
+TEST(TextRange, ReplacesWhatItHoldsInTheFormattingOfItsStart) {
+    struct Row {
+        const char* name;
+        const char* before;
+        const char* with;
+        const char* after;
+    };
+    for (const Row& row : {
+             Row{"within a text", "<p>a^bc|d</p>", "x", "<p>a^x|d</p>"},
+             Row{"out of formatting", "<p><b>^wo</b>rd| x</p>", "new", "<p><b>^new|</b> x</p>"},
+             Row{"into formatting", "<p>a ^wo<b>rd|</b>!</p>", "new", "<p>a ^new|!</p>"},
+             Row{"a part of formatting", "<p>^a<i>b|c</i></p>", "x", "<p>^x|<i>c</i></p>"},
+             Row{"formatting is emptied", "<p>a<b><i>^b|</i></b>c</p>", "", "<p>a|c</p>"},
+             Row{"a bookmark stays", "<p><a name=\"n\">^b|</a>c</p>", "",
+                 "<p><a name=\"n\">|</a>c</p>"},
+             Row{"lines", "<p>a^b|c</p>", "x\r\ny", "<p>a^x<br>y|c</p>"},
+         }) {
+        SCOPED_TRACE(row.name);
+        const auto page = pageOf(row.before);
+        const std::string html = page->html();
+        TextRange range = TextRange::fromSelection(*page);
+        range.setText(row.with);
+        range.select();
+        EXPECT_EQ(markupOf(*page), row.after);
+        page->undo();
+        EXPECT_EQ(page->html(), html);
+        EXPECT_FALSE(page->canUndo());
+    }
+}
+
+TEST(TextRange, ReplacesManyAtOnce) {
+    struct Row {
+        const char* name;
+        const char* before;
+        const char* with;
+        const char* after;
+    };
+    for (const Row& row : {
+             Row{"bytes in between stay", "<p>one&eacute;one &amp;one</p>", "1",
+                 "<p>1&eacute;1 &amp;1</p>"},
+             Row{"what is put in is escaped", "<p>one one</p>", "<&>",
+                 "<p>&lt;&amp;&gt; &lt;&amp;&gt;</p>"},
+             Row{"what would become a reference", "<p>& one &one</p>", "amp;",
+                 "<p>& amp; &amp;amp;</p>"},
+             Row{"over formatting", "<p>one o<b>n</b>e one on<i>e one</i></p>", "1",
+                 "<p>1 1 1 1<i> 1</i></p>"},
+             Row{"the same", "<p>one &eacute; one</p>", "one", "<p>one &eacute; one</p>"},
+             Row{"longer and shorter", "<p>one ONE o<b>ne</b></p>", "three",
+                 "<p>three three three</p>"},
+         }) {
+        SCOPED_TRACE(row.name);
+        const auto page = Document::parseText(row.before);
+        std::vector<TextRange> found = TextRange(*page).findAll("one", 999, 0);
+        TextRange::replaceAll(found, row.with);
+        EXPECT_EQ(page->html(), row.after);
+        for (const TextRange& range : found)
+            EXPECT_EQ(range.text(), row.with);
+        EXPECT_EQ(page->undo(), std::string(row.before) != row.after);
+        EXPECT_EQ(page->html(), row.before);
+    }
+    // A text as long as a page takes no longer than many short ones.
+    std::string html = "<pre>";
+    for (int i = 0; i < 15000; ++i)
+        html += "a line with &eacute; and one more\n";
+    const auto page = Document::parseText(html);
+    std::vector<TextRange> found = TextRange(*page).findAll("one", 999999, 0);
+    EXPECT_EQ(found.size(), 15000u);
+    const auto start = std::chrono::steady_clock::now();
+    TextRange::replaceAll(found, "none");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+    EXPECT_EQ(page->html().size(), html.size() + 15000);
 }
 
 TEST(TextRange, MovesByVisibleCharacters) {

@@ -27,6 +27,8 @@ class EditorBridge : public QObject {
     void command(const QString& name) { emit commandAsked(name); }
     void dropped(const QString& html, const QString& text) { emit markupDropped(html, text); }
     void focused() { emit hasFocus(); }
+    void placed(double node, const QString& json) { emit isPlaced(qint64(node), json); }
+    void freePlace(int token, const QString& json) { emit hasFreePlace(token, json); }
 
   signals:
     void isReady(int token);
@@ -41,6 +43,8 @@ class EditorBridge : public QObject {
     void commandAsked(const QString& name);
     void markupDropped(const QString& html, const QString& text);
     void hasFocus();
+    void isPlaced(qint64 node, const QString& json);
+    void hasFreePlace(int token, const QString& json);
 };
 
 }  // namespace pw

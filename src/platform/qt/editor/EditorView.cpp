@@ -3,22 +3,14 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QClipboard>
-#include <QContextMenuEvent>
-#include <QDropEvent>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QImage>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QMimeData>
 #include <QPixmap>
 #include <QPointer>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <QWebEnginePage>
-#include <QWebEngineScript>
-#include <QWebEngineScriptCollection>
-#include <QWebEngineSettings>
 #include <algorithm>
 #include <csignal>
 
@@ -26,16 +18,11 @@
 #include "platform/qt/QtMessageLoop.h"
 #include "platform/qt/editor/EditorBridge.h"
 
-// The resources of a static library are left out of the program unless somebody asks for them.
-static void loadEditorScripts() {
-    Q_INIT_RESOURCE(editor);
-}
-
 namespace pw {
 
 namespace {
 
-constexpr int kWorld = QWebEngineScript::ApplicationWorld;
+constexpr int kWorld = EditorPage::world;
 constexpr int kDeathsInARow = 3;
 /** A key on its way to the renderer is waited for this long, in milliseconds. */
 constexpr int kKeyGrace = 150;
@@ -45,45 +32,6 @@ constexpr int kLoadTick = 400;
 constexpr int kLoadTicks = 25;
 /** The states of the commands are asked for when nothing has changed for so long. */
 constexpr int kStateRest = 60;
-
-/** The page of the editor goes nowhere: whatever would leave it is a link in the text. */
-class EditorPage : public QWebEnginePage {
-  public:
-    using QWebEnginePage::QWebEnginePage;
-    bool allowed = false;  ///< while the program itself loads
-
-  protected:
-    bool acceptNavigationRequest(const QUrl&, NavigationType type, bool mainFrame) override {
-        if (mainFrame) return allowed;
-        return type != NavigationTypeLinkClicked && type != NavigationTypeFormSubmitted;
-    }
-    QWebEnginePage* createWindow(WebWindowType) override { return nullptr; }
-    void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& message,
-                                  int line, const QString& source) override {
-        if (level == ErrorMessageLevel)
-            qWarning("%s:%d %s", qPrintable(source), line, qPrintable(message));
-    }
-};
-
-QString scriptText(const char* name) {
-    QFile file(QStringLiteral(":/editor/") + QLatin1String(name));
-    if (!file.open(QIODevice::ReadOnly)) qFatal("The editor's script %s is missing", name);
-    return QString::fromUtf8(file.readAll());
-}
-
-void addScripts(QWebEnginePage& page) {
-    loadEditorScripts();
-    QWebEngineScript script;
-    script.setName(QStringLiteral("editor"));
-    script.setWorldId(kWorld);
-    script.setInjectionPoint(QWebEngineScript::DocumentReady);
-    script.setRunsOnSubFrames(false);
-    QString source;
-    for (const char* name : {"editor.js", "input.js", "chrome.js"})
-        source += scriptText(name);
-    script.setSourceCode(source + QStringLiteral("\npw.begin();\n"));
-    page.scripts().insert(script);
-}
 
 /** A value as the literal of a script. */
 QString literal(const QString& text) {
@@ -106,37 +54,17 @@ QUrl urlOf(const QString& base) {
 
 }  // namespace
 
-// --- The browser widget -------------------------------------------------------------------------
-
-void EditorWebView::dropEvent(QDropEvent* event) {
-    QStringList paths;
-    for (const QUrl& url : event->mimeData()->urls())
-        if (url.isLocalFile()) paths << url.toLocalFile();
-    if (paths.isEmpty()) {
-        QWebEngineView::dropEvent(event);
-        return;
-    }
-    event->acceptProposedAction();
-    emit filesDropped(event->position().toPoint(), paths);
-}
-
-void EditorWebView::contextMenuEvent(QContextMenuEvent* event) {
-    // The page reports it, with what was hit; the browser's own menu has no place here.
-    event->accept();
-}
-
 // --- Making and showing -------------------------------------------------------------------------
 
 EditorView::EditorView(QWidget* parent)
-    : QWidget(parent), view_(new EditorWebView(this)), bridge_(new EditorBridge(this)) {
+    : QWidget(parent),
+      view_(new EditorWebView(this)),
+      zoom_(*view_),
+      bridge_(new EditorBridge(this)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(view_);
     auto* page = new EditorPage(view_);
-    page->settings()->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
-    page->settings()->setAttribute(QWebEngineSettings::PluginsEnabled, false);
-    page->settings()->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
-    addScripts(*page);
     channel_.registerObject(QStringLiteral("editor"), bridge_);
     page->setWebChannel(&channel_, kWorld);
     view_->setPage(page);
@@ -152,7 +80,9 @@ EditorView::EditorView(QWidget* parent)
     connect(page, &QWebEnginePage::renderProcessTerminated, this, [this] { rendererDied(); });
     connect(view_, &EditorWebView::filesDropped, this,
             [this](const QPoint& at, const QStringList& paths) {
-                run(QStringLiteral("pw.caretAt(%1,%2)").arg(at.x()).arg(at.y()));
+                run(QStringLiteral("pw.caretAt(%1,%2)")
+                        .arg(at.x() / view_->zoomFactor())
+                        .arg(at.y() / view_->zoomFactor()));
                 std::vector<std::string> files;
                 for (const QString& path : paths)
                     files.push_back(FromNativePath(path.toStdString()));
@@ -201,6 +131,11 @@ void EditorView::connectBridge() {
     connect(bridge_, &EditorBridge::mouseMoved, this, &EditorView::dispatchMouse);
     connect(bridge_, &EditorBridge::keyReleased, this, &EditorView::dispatchKey);
     connect(bridge_, &EditorBridge::commandAsked, this, &EditorView::dispatchCommand);
+    connect(bridge_, &EditorBridge::isPlaced, this, &EditorView::dispatchPlacement);
+    connect(bridge_, &EditorBridge::hasFreePlace, this, [this](int token, const QString& json) {
+        placeToken_ = token;
+        freePlace_ = json;
+    });
     connect(bridge_, &EditorBridge::markupDropped, this,
             [this](const QString& html, const QString& text) {
                 post([this, html = html.toStdString(), text = text.toStdString()] {
@@ -248,15 +183,21 @@ void EditorView::loadSkeleton() {
     prepared_ = projection_->snapshot();
     preparedRevision_ = document_->revision();
     loadTicks_ = 0;
+    skeletonAnswers_ = false;
     loadTimer_.start();
 }
 
-// In a renderer that has just replaced a dead one, the channel may come up after the scripts.
+// In a renderer that has just replaced a dead one, the channel may come up after the scripts, and
+// on a busy machine the scripts themselves are sometimes not run at all.
 void EditorView::askAgain() {
     if (life_ != Life::Loading || prepared_.empty()) {
         loadTimer_.stop();
     } else if (++loadTicks_ < kLoadTicks) {
-        run(QStringLiteral("typeof pw === 'object' && pw.begin()"));
+        askSkeleton();
+    } else if (!skeletonAnswers_ && view_->page()->renderProcessPid() != 0) {
+        // One that has not answered anything will not take another page either.
+        loadTicks_ = 0;
+        endRenderer();
     } else if (++deaths_ <= kDeathsInARow) {
         loadSkeleton();
     } else {
@@ -266,12 +207,29 @@ void EditorView::askAgain() {
     }
 }
 
+void EditorView::askSkeleton() {
+    // A script for a renderer that is still on its way can take the ear of the renderer with it.
+    if (view_->page()->renderProcessPid() == 0) return;
+    const auto answer = [self = QPointer<EditorView>(this),
+                         generation = generation_](const QVariant& missing) {
+        if (!self || generation != self->generation_ || !missing.isValid()) return;
+        self->skeletonAnswers_ = true;
+        if (missing.toBool()) self->run(EditorPage::scriptText());
+    };
+    view_->page()->runJavaScript(QStringLiteral("typeof pw === 'object' ? (pw.begin(), false)"
+                                                " : document.readyState !== 'loading' &&"
+                                                " document.documentElement.id === 'pw-%1'")
+                                     .arg(generation_),
+                                 kWorld, answer);
+}
+
 void EditorView::viewReady(int token) {
     if (token != generation_ || life_ != Life::Loading || !projection_ || prepared_.empty()) return;
     loadTimer_.stop();
     static_cast<EditorPage*>(view_->page())->allowed = false;
     if (document_->revision() != preparedRevision_) prepared_ = projection_->snapshot();
     configure();
+    zoom_.restore();
     // As a text, which is read faster than the same thing as a part of the script.
     run(QStringLiteral("pw.load(JSON.parse(%1))").arg(literal(QString::fromStdString(prepared_))));
     prepared_.clear();
@@ -408,7 +366,14 @@ bool EditorView::waitFor(const std::function<bool()>& condition) {
 }
 
 void EditorView::Flush() {
-    if (!document_ || life_ == Life::Empty) return;
+    // A renderer may die while it is waited for; then it is the next one that has to agree.
+    for (int tries = 0; tries <= kDeathsInARow; ++tries) {
+        if (flushOnce()) return;
+    }
+}
+
+bool EditorView::flushOnce() {
+    if (!document_ || life_ == Life::Empty) return true;
     const QPointer<EditorView> self(this);
     const auto shown = [&] {
         return !self ||
@@ -416,19 +381,17 @@ void EditorView::Flush() {
     };
     while (!shown())
         sleepForEvents(shown, QEventLoop::ExcludeUserInputEvents);
-    if (!self) return;
+    if (!self) return true;
     QElapsedTimer grace;
     grace.start();
     while (life_ == Life::Alive) {
         sendOutgoing();
-        if (life_ == Life::Loading) {
-            Flush();
-            return;
-        }
+        if (life_ == Life::Loading) return false;
         const int token = ++lastToken_;
         run(QStringLiteral("pw.sync(%1,true)").arg(token));
-        if (!waitFor([&] { return syncedToken_ >= token; })) return;
-        if (!waitFor([&] { return projection_->settled() || projection_->hasOutgoing(); })) return;
+        if (!waitFor([&] { return syncedToken_ >= token; }) ||
+            !waitFor([&] { return projection_->settled() || projection_->hasOutgoing(); }))
+            return !self;
         if (keysSeen_ < keysSent_) {
             // A key press takes another way to the page than this question does.
             if (grace.elapsed() < kKeyGrace) {
@@ -436,13 +399,14 @@ void EditorView::Flush() {
                 pause.start();
                 while (pause.elapsed() < 4 && self)
                     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, 4);
-                if (!self) return;
+                if (!self) return true;
                 continue;
             }
             keysSent_ = keysSeen_;  // it was taken by somebody else
         }
-        if (projection_->settled()) return;
+        if (projection_->settled()) return true;
     }
+    return life_ == Life::Empty;
 }
 
 bool EditorView::eventFilter(QObject* watched, QEvent* event) {
@@ -450,6 +414,7 @@ bool EditorView::eventFilter(QObject* watched, QEvent* event) {
         auto* widget = qobject_cast<QWidget*>(watched);
         return widget && (widget == view_ || widget == view_->focusProxy());
     };
+    if (PageZoom::concerns(*event) && inView() && zoom_.takes(*event)) return true;
     if (event->type() == QEvent::ShortcutOverride && inView()) {
         // The browser claims the keys of its own commands. They are commands of the program here.
         const auto* key = static_cast<QKeyEvent*>(event);
@@ -547,6 +512,45 @@ void EditorView::dispatchCommand(const QString& name) {
     });
 }
 
+namespace {
+
+Placement placementOf(const QString& json) {
+    const QJsonObject object = QJsonDocument::fromJson(json.toUtf8()).object();
+    const auto part = [&](const char* name) -> std::optional<int> {
+        const QJsonValue value = object[QLatin1String(name)];
+        return value.isDouble() ? std::optional(value.toInt()) : std::nullopt;
+    };
+    return {part("left"), part("top"), part("width"), part("height")};
+}
+
+}  // namespace
+
+void EditorView::dispatchPlacement(qint64 node, const QString& json) {
+    post([this, node, placement = placementOf(json)] {
+        dom::Node* object = projection_ ? projection_->nodeOfView(node) : nullptr;
+        if (object && events.placed) events.placed(*object, placement);
+    });
+}
+
+std::optional<Placement> EditorView::FreePlaceOf(const dom::Node& element) {
+    Flush();
+    if (life_ != Life::Alive) return std::nullopt;
+    const int token = ++lastToken_;
+    run(QStringLiteral("pw.freePlace(%1,%2)").arg(token).arg(projection_->viewId(&element)));
+    if (!waitFor([&] { return placeToken_ >= token; })) return std::nullopt;
+    const Placement place = placementOf(freePlace_);
+    return place.left && place.top ? std::optional(place) : std::nullopt;
+}
+
+void EditorView::MarkCells(const std::vector<dom::Node*>& cells) {
+    if (life_ != Life::Alive) return;
+    QStringList numbers;
+    for (const dom::Node* cell : cells)
+        numbers << QString::number(projection_->viewId(cell));
+    sendOutgoing();
+    run(QStringLiteral("pw.markCells([%1])").arg(numbers.join(QLatin1Char(','))));
+}
+
 // --- Settings and pictures ----------------------------------------------------------------------
 
 void EditorView::configure() {
@@ -566,6 +570,12 @@ void EditorView::ScrollIntoView(const dom::Node& element) {
     if (life_ != Life::Alive) return;
     sendOutgoing();
     run(QStringLiteral("pw.scrollTo(%1)").arg(projection_->viewId(&element)));
+}
+
+void EditorView::ScrollToSelection() {
+    if (life_ != Life::Alive) return;
+    sendOutgoing();
+    run(QStringLiteral("pw.scrollToSelection()"));
 }
 
 void EditorView::SetGrid(int x, int y) {

@@ -11,26 +11,12 @@
 
 #include "platform/EditorSurface.h"
 #include "platform/dom/Projection.h"
+#include "platform/qt/editor/EditorPage.h"
+#include "platform/qt/editor/PageZoom.h"
 
 namespace pw {
 
 class EditorBridge;
-
-/** The browser widget, with the drops that a page cannot handle itself. */
-class EditorWebView : public QWebEngineView {
-    Q_OBJECT
-
-  public:
-    using QWebEngineView::QWebEngineView;
-
-  signals:
-    /** Files of this machine were dropped; paths as the system writes them. */
-    void filesDropped(const QPoint& place, const QStringList& paths);
-
-  protected:
-    void dropEvent(QDropEvent* event) override;
-    void contextMenuEvent(QContextMenuEvent* event) override;
-};
 
 class EditorView : public QWidget, public EditorSurface {
     Q_OBJECT
@@ -46,8 +32,11 @@ class EditorView : public QWidget, public EditorSurface {
     CommandState QueryState(const std::string& command) const override;
     std::string QueryValue(const std::string& command) const override;
     bool Execute(const std::string& command, const std::string& argument) override;
+    std::optional<Placement> FreePlaceOf(const dom::Node& element) override;
+    void MarkCells(const std::vector<dom::Node*>& cells) override;
     void SetFocus() override;
     void ScrollIntoView(const dom::Node& element) override;
+    void ScrollToSelection() override;
     void SetGrid(int x, int y) override;
     void SetShowBorders(bool show) override;
     void SetShowTags(bool show) override;
@@ -68,16 +57,20 @@ class EditorView : public QWidget, public EditorSurface {
     void loadSkeleton();
     void viewReady(int token);
     void askAgain();
+    void askSkeleton();
     void takeBatch(const QString& json);
     void takeState(const QString& json);
     void sendOutgoing();
     void sendSoon();
+    /** False when the renderer has died or the page was loaded anew meanwhile. */
+    bool flushOnce();
     void rendererDied();
     void giveUp();
     void endRenderer();
     void dispatchMouse(const QString& what, qint64 node);
     void dispatchKey(int code, bool alt, bool control, bool shift);
     void dispatchCommand(const QString& name);
+    void dispatchPlacement(qint64 node, const QString& json);
     void reportChanged();
     /** Runs an event of the surface when the browser's own work is done: its handlers may wait. */
     void post(std::function<void()> event);
@@ -89,6 +82,7 @@ class EditorView : public QWidget, public EditorSurface {
     enum class Life { Empty, Loading, Alive, Dead };
 
     EditorWebView* view_;
+    PageZoom zoom_;
     QWebChannel channel_;
     EditorBridge* bridge_;
     dom::Document* document_ = nullptr;
@@ -104,12 +98,15 @@ class EditorView : public QWidget, public EditorSurface {
     int syncedToken_ = 0;
     int executedToken_ = 0;
     bool executedDone_ = false;
+    int placeToken_ = 0;
+    QString freePlace_;
     int keysSent_ = 0;
     int keysSeen_ = 0;
     bool sendPosted_ = false;
     bool changedPosted_ = false;
     QTimer loadTimer_;  ///< runs until the skeleton reports itself
     int loadTicks_ = 0;
+    bool skeletonAnswers_ = false;
     QTimer stateTimer_;  ///< runs until the hand rests
     QHash<QString, int> states_;
     QHash<QString, QString> values_;

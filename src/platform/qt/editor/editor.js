@@ -307,6 +307,17 @@ const pw = (function () {
     call('batch', JSON.stringify({n: ++sequence, seen, kind: 'c', full: tree, sel: selection()}));
   }
 
+  // Runs something that leaves the page as it was, without a word about it.
+  function unobserved(task) {
+    flush();
+    observer.disconnect();
+    try {
+      task();
+    } finally {
+      observe();
+    }
+  }
+
   // --- Changes made by the program ------------------------------------------------------------------
 
   function apply(message) {
@@ -435,6 +446,12 @@ const pw = (function () {
     return [node, Math.min(offset, node.data.length)];
   }
 
+  // The engine types into the focused element alone, and gives the focus along with a caret only
+  // while its window is active. A page that comes up behind another window would take no key.
+  function focusPage() {
+    if (document.body instanceof HTMLBodyElement) document.body.focus({preventScroll: true});
+  }
+
   function select(wanted) {
     control = null;
     const s = getSelection();
@@ -443,7 +460,10 @@ const pw = (function () {
       if (node && node.isConnected) selectObject(node);
     } else if (wanted[0] === 1) {
       const anchor = pointOf(wanted[1], wanted[2]), focus = pointOf(wanted[3], wanted[4]);
-      if (anchor && focus) s.setBaseAndExtent(...anchor, ...focus);
+      if (anchor && focus) {
+        s.setBaseAndExtent(...anchor, ...focus);
+        focusPage();
+      }
     } else {
       s.removeAllRanges();
     }
@@ -455,6 +475,7 @@ const pw = (function () {
     if (!parent) return;
     const index = [...parent.childNodes].indexOf(node);
     getSelection().setBaseAndExtent(parent, index, parent, index + 1);
+    focusPage();
     control = node;
     for (const listener of pwListeners.selected) listener();
   }
@@ -535,6 +556,7 @@ const pw = (function () {
   // A caret at the start of the page, if there is none.
   function ensureCaret() {
     if (!getSelection().rangeCount && document.body) getSelection().collapse(document.body, 0);
+    focusPage();
     flush();
   }
 
@@ -547,8 +569,9 @@ const pw = (function () {
 
   const pwListeners = {changed: [], selected: [], shown: []};
   const api = {
-    executing: false, begin, ensureCaret, call, load, apply, sync, execute, sendAll, flush, select, selectObject, hidden, record,
-    childrenOf, later, reportState, listeners: pwListeners, KINDS,
+    executing: false, begin, ensureCaret, focusPage, call, load, apply, sync, execute, sendAll,
+    flush, select, selectObject, unobserved, hidden, record, childrenOf,
+    later, reportState, listeners: pwListeners, KINDS,
     nodeOf: id => nodeOf.get(id),
     control: () => control, countKey: () => { keysSeen++; },
   };

@@ -33,6 +33,8 @@
   const OWN = new Set([65, 66, 67, 73, 85, 88, 89, 90]);  // A B C I U X Y Z
   const held = new Map();
 
+  const ARROWS = {ArrowLeft: [-1, 0], ArrowRight: [1, 0], ArrowUp: [0, -1], ArrowDown: [0, 1]};
+
   // The program waits for the keys that it has handed over. One that inserts something has done so
   // only when its second event has come.
   let unfinished = false;
@@ -49,6 +51,8 @@
     else pw.countKey();
     held.set(e.code || e.keyCode, {alt: e.altKey, control: e.ctrlKey, shift: e.shiftKey});
     if (e.ctrlKey && !e.altKey && OWN.has(e.keyCode)) e.preventDefault();
+    const arrow = !e.ctrlKey && !e.altKey && !e.shiftKey && ARROWS[e.key];
+    if (arrow && pw.nudge(...arrow)) e.preventDefault();
   });
 
   on('keyup', e => {
@@ -97,7 +101,12 @@
     const table = element.closest('table');
     if (table && onEdge(table, e)) return table;
     const layer = positioned(element);
-    return layer && onEdge(layer, e) ? layer : null;
+    if (layer) return onEdge(layer, e) ? layer : null;
+    // Behind the text lies what can only be got hold of where there is none.
+    if (element !== document.body && element !== document.documentElement) return null;
+    const under = document.elementsFromPoint(e.clientX, e.clientY)
+        .find(n => !pw.hidden.has(n) && positioned(n));
+    return under ? positioned(under) : null;
   }
 
   const known = node => {
@@ -115,9 +124,13 @@
       if (document.activeElement !== document.body && document.activeElement)
         document.activeElement.blur();
       pw.selectObject(object);
+      pw.startMove(e);
+    } else if (pw.control() && e.button === 0) {
+      // The press is in the text of the selected object. The engine would drag all of it.
+      getSelection().removeAllRanges();
     }
     pw.flush();
-    pw.call('mouse', 'down', known(e.target));
+    pw.call('mouse', 'down', known(object || e.target));
   });
   on('mouseup', e => {
     // A handle may have come up under the pointer since the press.
@@ -172,6 +185,7 @@
   function caretAt(x, y) {
     const range = document.caretRangeFromPoint(x, y);
     if (range) getSelection().collapse(range.startContainer, range.startOffset);
+    pw.focusPage();
     pw.flush();
   }
 

@@ -1,0 +1,69 @@
+// From the press on the HTML tab until the source of a page of 1 MB is painted, beside a plain text
+// box (QPlainTextEdit, the quicker of Qt's two) that is given the same text. Prints a row of the
+// table of benches.
+#include <unistd.h>
+#include <QApplication>
+#include <QPlainTextEdit>
+#include <QTemporaryDir>
+
+#include <fstream>
+#include <functional>
+
+#include "OpenProgram.h"
+#include "platform/qt/SourceView.h"
+
+namespace {
+
+using namespace pw;
+
+double milliseconds(const std::function<void()>& work) {
+    QElapsedTimer timer;
+    timer.start();
+    work();
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
+    QApplication application(argc, argv);
+    QApplication::setQuitOnLastWindowClosed(false);
+    QTemporaryDir folder;
+    const std::string file = folder.filePath("page.htm").toStdString();
+    const std::string html = bench::manualPage(1'000'000);
+    std::ofstream(file, std::ios::binary) << html;
+
+    bench::OpenProgram open(folder.filePath("profile").toStdString(), file);
+    frmDocument& document = open.document();
+    auto& source = dynamic_cast<SourceView&>(document.Surface().Source());
+    QPlainTextEdit rival;
+    rival.resize(source.size());
+    rival.show();
+    const QByteArray bytes = QByteArray::fromStdString(html);
+    std::vector<double> ours;
+    std::vector<double> rivals;
+    for (int round = 0; round < 9; ++round) {
+        document.SetToNormalEditMode();
+        source.SetText("", {});
+        rival.clear();
+        bench::waitFor([&] { return !document.docDHTMLEditor.Busy(); });
+        QCoreApplication::processEvents();
+        const double a = milliseconds([&] {
+            document.PressTab(TabPress::Html);
+            source.grab();
+        });
+        const double b = milliseconds([&] {
+            rival.setPlainText(QString::fromUtf8(bytes));
+            rival.grab();
+        });
+        if (round == 0) continue;  // the first one meets cold caches
+        ours.push_back(a);
+        rivals.push_back(b);
+    }
+    if (document.State() != View::Html || source.Text().size() < html.size()) return 1;
+    const double a = bench::median(ours);
+    const double b = bench::median(rivals);
+    std::printf("open the source view on 1 MB\t%.1f ms\t%.1f ms\t%.2f\t2\n", a, b, a / b);
+    return 0;
+}

@@ -1,0 +1,58 @@
+#pragma once
+// The start tags of a page, read from its text without building a tree: for looking through all
+// the pages of a project, which parsing would take ten times as long for.
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace pw::dom {
+
+/** Behind a comment, a doctype or the like that begins with the "<!" or "<?" at this place. */
+std::size_t endOfDeclaration(std::string_view markup, std::size_t at);
+
+/** Where the end tag of a raw text element begins; `at` is behind its start tag, `name` in lower
+ *  case. The text's end when there is none. */
+std::size_t endOfRawText(std::string_view markup, std::size_t at, std::string_view name);
+
+/** A start tag in the text of a page. What it holds is looked for when it is asked for. */
+class TagInText {
+  public:
+    TagInText(std::string_view page, std::size_t begin);
+
+    std::size_t begin() const { return begin_; }
+    /** Behind its ">". */
+    std::size_t end() const;
+    /** With all its bytes. */
+    std::string_view text() const { return rest_.substr(0, end() - begin_); }
+    /** As it is written. */
+    std::string_view name() const { return rest_.substr(1, nameEnd_ - 1); }
+    /** `lowerName` is ASCII, in lower case. */
+    bool is(std::string_view lowerName) const;
+    /** Value of the first attribute of that name, with its references decoded; none without one. */
+    std::optional<std::string> attribute(std::string_view lowerName) const;
+
+  private:
+    std::string_view rest_;  // of the page, from the tag on
+    std::size_t begin_;
+    std::size_t nameEnd_;
+};
+
+/** Where tags are looked for. `Anywhere`: also in comments, scripts and the values of attributes,
+ *  so that a tag which a parser finds is among those found, whatever the page looks like. */
+enum class TagsFrom { Markup, Anywhere };
+
+/** Goes through the start tags of a page in their order. */
+class TagScan {
+  public:
+    TagScan(std::string_view page, TagsFrom where) : page_(page), where_(where) {}
+    std::optional<TagInText> next();
+
+  private:
+    std::size_t behind(const TagInText& tag) const;
+
+    std::string_view page_;
+    TagsFrom where_;
+    std::size_t at_ = 0;
+};
+
+}  // namespace pw::dom

@@ -1,0 +1,282 @@
+#include "project/DroppedFiles.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+#include "frame/Context.h"
+#include "frame/FunctionLibrary.h"
+#include "platform/Base64.h"
+#include "platform/Text.h"
+#include "platform/dom/Escape.h"
+#include "project/AddFiles.h"
+#include "project/Attachments.h"
+#include "project/Media.h"
+#include "project/Pages.h"
+#include "project/Paths.h"
+#include "project/References.h"
+
+namespace pw {
+
+namespace {
+
+constexpr std::string_view kModule = "ProjectFunctions.";
+constexpr std::uint64_t kLargest = 100'000'000;  ///< bytes; visitors have to wait for each of them
+
+/** Pictures that browsers show, by their extension, and what an address with data calls them. */
+struct PictureKind {
+    std::string_view extension;
+    std::string_view mediaType;
+};
+constexpr PictureKind kPictures[] = {
+    {"gif", "image/gif"}, {"jpg", "image/jpeg"}, {"jpeg", "image/jpeg"}, {"jpe", "image/jpeg"},
+    {"png", "image/png"}, {"bmp", "image/bmp"},  {"webp", "image/webp"}, {"avif", "image/avif"},
+    {"svg", ""},  // may hold scripts: as a file it is safe, in an address it is not
+};
+
+bool IsPicture(std::string_view path) {
+    const std::string extension = GetExtension(path);
+    return std::any_of(std::begin(kPictures), std::end(kPictures), [&](const PictureKind& kind) {
+        return EqualsNoCase(extension, kind.extension);
+    });
+}
+
+std::string Quoted(std::string_view value) {
+    return '"' + dom::escapeAttribute(value, '"', " ") + '"';
+}
+
+std::string LinkTo(std::string_view address, std::string_view text) {
+    return "<a href=" + Quoted(address) + ">" +
+           dom::escapeText(text, dom::TextContext::Normal, " ") + "</a>";
+}
+
+/** Takes files in, one after the other. */
+class Taking {
+  public:
+    Taking(ProjectContext& context, const std::string& pageKey)
+        : context_(context),
+          files_(context.frame.files),
+          pageKey_(pageKey),
+          folder_(GetPageFolder(context, pageKey)),
+          puller_(context) {}
+
+    void Take(const std::string& file) {
+        const std::string real = files_.Canonical(file);
+        if (real.empty()) return Refuse(file, "does not exist", "");
+        const FileInfo info = files_.Stat(real);
+        if (info.isFolder)
+            return Refuse(file, "is a folder", "Please open it and drop the files in it.");
+        if (info.size == 0) return Refuse(file, "is empty", "");
+        if (info.size > kLargest)
+            return Refuse(file, "is larger than 100 MB, which is too much for a web site",
+                          "Please use a smaller file.");
+        if (IsPageFilename(real)) {
+            pages_.push_back(real);
+        } else if (IsPicture(real)) {
+            // The name that the user knows, not that of what a link leads to.
+            TakeImage(file, GetBaseName(file));
+        } else {
+            TakeDocument(file);
+        }
+    }
+    void TakeImage(const std::string& file, const std::string& caption) {
+        const std::string copy = Copy(file);
+        if (copy.empty()) return;
+        std::string markup = "<img src=" + Quoted(RelativeLink(folder_, copy)) +
+                             " alt=" + Quoted(MakeValidUtf8(caption));
+        if (ImageInfo size; ReadImageInfo(files_, copy, size))
+            markup += " width=" + Quoted(std::to_string(size.width)) +
+                      " height=" + Quoted(std::to_string(size.height));
+        Append(markup + ">", " ");
+    }
+    TakenFiles Finish() {
+        TakePages();
+        return std::move(result_);
+    }
+
+  private:
+    void Refuse(const std::string& file, const std::string& what, const std::string& advice) {
+        result_.problems.push_back("'" + MakeValidUtf8(GetFileName(file)) + "' " + what + "." +
+                                   (advice.empty() ? "" : "\n\n" + advice));
+    }
+    void Append(const std::string& markup, std::string_view separator) {
+        if (!result_.html.empty()) result_.html += separator;
+        result_.html += markup;
+    }
+
+    /** The path of the copy; "", with a problem noted, when there is none. */
+    std::string Copy(const std::string& file) {
+        const auto copied = puller_.PullFile(file, folder_);
+        if (!copied.empty()) {
+            others_.assign(copied.begin() + 1, copied.end());
+            return copied.front();
+        }
+        std::string bytes;
+        const FileError error = files_.Read(file, bytes);
+        Refuse(
+            file,
+            error == FileError::None ? "can not be copied into the project"
+                                     : "can not be read: " + Describe(error),
+            error == FileError::None ? "Please see that the disk is not full and try again." : "");
+        return {};
+    }
+    void TakeDocument(const std::string& file) {
+        const std::string copy = Copy(file);
+        if (copy.empty()) return;
+        // No scan finds what a page only links to.
+        if (Page* page = GetPage(context_, pageKey_)) {
+            AddSystemAttachment(context_, copy, *page);
+            for (const std::string& needed : others_)
+                AddSystemAttachment(context_, needed, *page);
+        }
+        Append(LinkTo(RelativeLink(folder_, copy), MakeValidUtf8(GetFileName(file))), "<br>");
+    }
+    /** All at once, so that links among them go on working. */
+    void TakePages() {
+        if (pages_.empty()) return;
+        const AddFilesResult added =
+            AddFiles(context_, {pages_, GetContainer(context_, pageKey_).Key(), nullptr});
+        for (const AddFilesProblem& problem : added.problems)
+            result_.problems.push_back(problem.reason);
+        for (const std::string& key : added.pageKeys) {
+            const Page* page = GetPage(context_, key);
+            if (!page) continue;
+            result_.addedPages = true;
+            const std::string title =
+                Trim(page->Name).empty() ? GetFileName(page->Filename) : page->Name;
+            Append(LinkTo(RelativeLink(folder_, page->Filename), title), "<br>");
+        }
+    }
+
+    ProjectContext& context_;
+    FileSystem& files_;
+    const std::string& pageKey_;
+    const std::string folder_;
+    MediaPuller puller_;
+    std::vector<std::string> pages_;
+    std::vector<std::string> others_;  ///< what the last copy needs in its turn
+    TakenFiles result_;
+};
+
+/** Bytes written to a file of that name for as long as it lives. */
+class PassingFile {
+  public:
+    PassingFile(const ProjectContext& context, std::string_view name, std::string_view bytes)
+        : files_(context.frame.files), path_(BuildPath(context.frame.runFolder, name)) {
+        stands_ = files_.Write(path_, bytes) == FileError::None;
+    }
+    ~PassingFile() { DeleteFile(files_, path_); }
+    PassingFile(const PassingFile&) = delete;
+    PassingFile& operator=(const PassingFile&) = delete;
+
+    /** "" when it could not be written. */
+    std::string Path() const { return stands_ ? path_ : std::string(); }
+
+  private:
+    FileSystem& files_;
+    std::string path_;
+    bool stands_ = false;
+};
+
+std::string PastedName(std::string_view extension) {
+    return "picture." + std::string(extension);
+}
+
+/** The copy's link, or none when it could not be made. */
+std::optional<std::string> CopyToMedia(ProjectContext& context, const std::string& pageKey,
+                                       const std::string& file) {
+    const std::string folder = GetPageFolder(context, pageKey);
+    const auto copied = MediaPuller(context).PullFile(file, folder);
+    if (copied.empty()) return std::nullopt;
+    return RelativeLink(folder, copied.front());
+}
+
+std::optional<std::string> AdoptData(ProjectContext& context, const std::string& pageKey,
+                                     const std::string& address) {
+    constexpr std::string_view kScheme = "data:";
+    constexpr std::string_view kBase64 = ";base64";
+    const std::size_t comma = address.find(',');
+    if (comma == std::string::npos || address.size() > kLargest) return std::nullopt;
+    const std::string head = address.substr(0, comma);
+    for (const PictureKind& kind : kPictures) {
+        if (kind.mediaType.empty() || !EndsWithNoCase(head, kBase64)) continue;
+        if (!StartsWithNoCase(head, std::string(kScheme) + std::string(kind.mediaType))) continue;
+        const auto bytes = DecodeBase64(PercentDecode(address.substr(comma + 1)));
+        if (!bytes || bytes->empty()) return std::nullopt;
+        const PassingFile file(context, PastedName(kind.extension), *bytes);
+        return file.Path().empty() ? std::nullopt : CopyToMedia(context, pageKey, file.Path());
+    }
+    return address;
+}
+
+/** A page from elsewhere may name any file: what is no picture stays where it is. */
+bool IsReadablePicture(const FileSystem& files, const std::string& path) {
+    const std::string extension = ToLower(GetExtension(path));
+    if (!IsPicture(path)) return false;
+    for (const char* unmeasured : {"jpe", "webp", "avif", "svg"})
+        if (extension == unmeasured) return true;
+    ImageInfo size;
+    return ReadImageInfo(files, path, size);
+}
+
+std::optional<std::string> AdoptPicture(ProjectContext& context, const std::string& pageKey,
+                                        const std::string& address) {
+    if (StartsWithNoCase(address, "data:")) return AdoptData(context, pageKey, address);
+    const auto file =
+        FindReferencedFile(context.frame.files, {GetPageFolder(context, pageKey)}, address);
+    if (!file || !IsReadablePicture(context.frame.files, file->path)) return std::nullopt;
+    return CopyToMedia(context, pageKey, file->path);
+}
+
+std::optional<std::string> AdoptLink(ProjectContext& context, const std::string& pageKey,
+                                     const std::string& address) {
+    const std::string folder = GetPageFolder(context, pageKey);
+    const std::string& root = context.frame.settings.PreviewFolder;
+    const auto candidates = ReferenceCandidates(folder, address);
+    const ReferenceCandidate* meant = nullptr;
+    for (const ReferenceCandidate& candidate : candidates) {
+        if (!IsInFolder(candidate.path, root)) continue;
+        meant = &candidate;
+        if (FileExists(context.frame.files, candidate.path)) break;
+    }
+    if (!meant) return std::nullopt;
+    return RelativeLink(folder, meant->path) + meant->suffix;
+}
+
+}  // namespace
+
+TakenFiles TakeFiles(ProjectContext& context, const std::string& pageKey,
+                     const std::vector<std::string>& files) {
+    const TakenFiles failure{"", false, {"The files could not be taken in."}};
+    return Trap(context.frame.errorLog, kModule, "TakeFiles", failure, [&] {
+        Taking taking(context, pageKey);
+        for (const std::string& file : files)
+            taking.Take(file);
+        return taking.Finish();
+    });
+}
+
+TakenFiles TakePicture(ProjectContext& context, const std::string& pageKey, std::string_view bytes,
+                       std::string_view extension) {
+    const TakenFiles failure{"", false, {"The picture could not be taken in."}};
+    return Trap(context.frame.errorLog, kModule, "TakePicture", failure, [&] {
+        const PassingFile file(context, PastedName(extension), bytes);
+        if (file.Path().empty()) return failure;
+        Taking taking(context, pageKey);
+        taking.TakeImage(file.Path(), "");
+        return taking.Finish();
+    });
+}
+
+AddressAdopter AdoptIntoPage(ProjectContext& context, const std::string& pageKey) {
+    const auto adopt = [&context, pageKey](auto routine) {
+        return [&context, pageKey, routine](const std::string& address) {
+            return Trap(context.frame.errorLog, kModule, "AdoptIntoPage",
+                        std::optional<std::string>(),
+                        [&] { return routine(context, pageKey, address); });
+        };
+    };
+    return {adopt(AdoptPicture), adopt(AdoptLink)};
+}
+
+}  // namespace pw

@@ -1,0 +1,71 @@
+#include "project/PageNames.h"
+
+#include "frame/Context.h"
+#include "frame/FunctionLibrary.h"
+#include "platform/Text.h"
+#include "project/Links.h"
+#include "project/Pages.h"
+#include "project/Workspace.h"
+
+namespace pw {
+
+namespace {
+
+void GiveTitle(ProjectContext& context, Page& page, const std::string& title) {
+    page.Name = title;
+    page.Title = title;
+    page.IsDirty = true;
+    if (OpenPage* open = context.workspace.FindOpenPage(page.Key())) {
+        open->SetToNormalEditMode();
+        open->TakeOverEdits();
+        open->Document().setTitle(title);
+        open->RefreshCaption();
+        return;
+    }
+    FileSystem& files = context.frame.files;
+    const auto document = dom::Document::parse(ReadTextFile(files, page.Filename));
+    if (!document) throw Failure("Page '" + title + "' can not be read.");
+    document->setTitle(title);
+    const FileError error = files.Write(page.Filename, document->bytes());
+    if (error != FileError::None) throw Failure("Page '" + title + "': " + Describe(error));
+}
+
+}  // namespace
+
+std::string PageNameProblem(std::string_view name) {
+    if (name.starts_with('.'))
+        return "A file name can not begin with a point. Please enter a different name.";
+    return DiskNameProblem("file", name);
+}
+
+bool IsPageNameTaken(const ProjectContext& context, const Page& page, std::string_view name) {
+    const std::string own = GetFileName(page.Filename);
+    std::vector<FolderEntry> entries;
+    if (context.frame.files.List(GetParentFolder(page.Filename), entries) != FileError::None)
+        return false;
+    return std::any_of(entries.begin(), entries.end(), [&](const FolderEntry& entry) {
+        return entry.name != own && EqualsNoCase(entry.name, name);
+    });
+}
+
+Page* FindNeighbour(const ProjectContext& context, const Page& page, std::string_view name) {
+    const Container container = GetContainer(context, page.Key());
+    if (!container) return nullptr;
+    for (Page& other : container.PageList()) {
+        if (&other != &page && EqualsNoCase(GetFileName(other.Filename), name)) return &other;
+    }
+    return nullptr;
+}
+
+bool MovePageAside(ProjectContext& context, Page& page, std::string* reason) {
+    const int number =
+        GetUniqueFilename(context.frame.files, "page_", "htm", GetParentFolder(page.Filename));
+    const std::string name = std::to_string(number);
+    if (!RenamePage(context, page, "page_" + name + ".htm", reason)) return false;
+    // The file has made way: a title that could not be written does not stop anything.
+    Trap(context.frame.errorLog, "ProjectFunctions.", "GiveTitle",
+         [&] { GiveTitle(context, page, "Page " + name); });
+    return true;
+}
+
+}  // namespace pw
