@@ -1,7 +1,11 @@
 // Runs the real program on real files.
+#include <chrono>
+#include <csignal>
 #include <cstdio>
+#include <thread>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "frame/FunctionLibrary.h"
 #include "platform/SystemInfo.h"
@@ -50,6 +54,15 @@ struct CliTest : testing::Test {
         return run;
     }
     std::string Path(const std::string& name) { return folder.Native(name); }
+    /** Pages that a run has taken in and not yet tidied up. */
+    int PagesAtWork() {
+        int count = 0;
+        std::error_code gone;  // files come and go meanwhile
+        fs::recursive_directory_iterator at(Path("profile"), gone);
+        for (; !gone && at != fs::recursive_directory_iterator(); at.increment(gone))
+            count += at->path().extension() == ".htm" ? 1 : 0;
+        return count;
+    }
     /** Run folders that nobody has tidied up. */
     int Leftovers() {
         int count = 0;
@@ -307,14 +320,21 @@ TEST_F(CliTest, TidiesUpWhenItIsInterrupted) {
     ASSERT_EQ(Cli({"new", project}).code, 0);
     for (int i = 0; i < 3000; ++i)
         folder.Put("in\\p" + std::to_string(i) + ".html", "<title>x</title>");
-    // In the foreground, since otherwise the signal goes to the group as well: two end the program.
-    const std::string line = "timeout --foreground -s INT --preserve-status 0.3 " +
-                             CommandLine({"add", project, Path("in")}) + " 2>&1";
-    FILE* pipe = ::popen(line.c_str(), "r");
-    char text[200] = {};
-    std::ignore = std::fread(text, 1, sizeof text - 1, pipe);
-    EXPECT_EQ(WEXITSTATUS(::pclose(pipe)), 1);
-    EXPECT_STREQ(text, "Interrupted. The project is as it was.\n");
+    const std::string line = "exec " + CommandLine({"add", project, Path("in")}) + " > " +
+                             Quoted(Path("output")) + " 2>&1";
+    const pid_t process = ::fork();
+    if (process == 0) {
+        ::execl("/bin/sh", "sh", "-c", line.c_str(), nullptr);
+        ::_exit(127);
+    }
+    // Once and in the middle of the work: before it the shell would end, and twice is an order.
+    while (PagesAtWork() == 0 && ::waitpid(process, nullptr, WNOHANG) == 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ::kill(process, SIGINT);
+    int status = 0;
+    ASSERT_EQ(::waitpid(process, &status, 0), process) << "all was added before the signal";
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(folder.Get("output"), "Interrupted. The project is as it was.\n");
     EXPECT_EQ(Cli({"list", project}).output, "");
 
     ASSERT_EQ(Cli({"add", project, Path("in")}).code, 0);
