@@ -67,7 +67,7 @@ class ReadyReport : public QTimer {
             stop();
             QTextStream(stdout) << "ready" << Qt::endl;
         });
-        start(2);
+        start(0);
     }
 
   private:

@@ -336,6 +336,7 @@ CommandState HtmlEditor::QueryStatus(int command) {
 }
 
 std::string HtmlEditor::ExecCommand(int command, const std::string& argument) {
+    if (command == DECMD_GETBLOCKFMTNAMES) return BlockFormatNames();
     WaitUntilReady();
     if (QueryStatus(command) == CommandState::Disabled) return {};
     switch (command) {
@@ -364,8 +365,6 @@ std::string HtmlEditor::ExecCommand(int command, const std::string& argument) {
         case DECMD_UNLINK:
             Unlink();
             return {};
-        case DECMD_GETBLOCKFMTNAMES:
-            return BlockFormatNames();
         case DECMD_GETBLOCKFMT:
             return BlockFormat();
         case DECMD_SETBLOCKFMT:

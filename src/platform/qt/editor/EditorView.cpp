@@ -48,6 +48,12 @@ QString literal(const QString& text) {
     return result + QLatin1Char('"');
 }
 
+/** True for what the user does to the page. */
+bool isInput(const QEvent& event) {
+    return event.isInputEvent() || event.type() == QEvent::InputMethod ||
+           event.type() == QEvent::Drop;
+}
+
 QUrl urlOf(const QString& base) {
     return base.isEmpty() ? QUrl(QStringLiteral("about:blank")) : QUrl(base);
 }
@@ -232,6 +238,7 @@ void EditorView::viewReady(int token) {
     zoom_.restore();
     // As a text, which is read faster than the same thing as a part of the script.
     run(QStringLiteral("pw.load(JSON.parse(%1))").arg(literal(QString::fromStdString(prepared_))));
+    untouched_ = true;
     prepared_.clear();
 }
 
@@ -269,6 +276,7 @@ void EditorView::giveUp() {
 // --- The wire -----------------------------------------------------------------------------------
 
 void EditorView::run(const QString& script) {
+    untouched_ = false;
     view_->page()->runJavaScript(script, kWorld);
 }
 
@@ -382,6 +390,8 @@ bool EditorView::flushOnce() {
     while (!shown())
         sleepForEvents(shown, QEventLoop::ExcludeUserInputEvents);
     if (!self) return true;
+    // What it has just been given is all it has.
+    if (untouched_ && life_ == Life::Alive && projection_->settled()) return true;
     QElapsedTimer grace;
     grace.start();
     while (life_ == Life::Alive) {
@@ -414,6 +424,7 @@ bool EditorView::eventFilter(QObject* watched, QEvent* event) {
         auto* widget = qobject_cast<QWidget*>(watched);
         return widget && (widget == view_ || widget == view_->focusProxy());
     };
+    if (untouched_ && isInput(*event) && inView()) untouched_ = false;
     if (PageZoom::concerns(*event) && inView() && zoom_.takes(*event)) return true;
     if (event->type() == QEvent::ShortcutOverride && inView()) {
         // The browser claims the keys of its own commands. They are commands of the program here.

@@ -102,6 +102,7 @@ class EditorView : public QWidget, public EditorSurface {
     QString freePlace_;
     int keysSent_ = 0;
     int keysSeen_ = 0;
+    bool untouched_ = false;  ///< since its load: neither the user nor a script was at it
     bool sendPosted_ = false;
     bool changedPosted_ = false;
     QTimer loadTimer_;  ///< runs until the skeleton reports itself

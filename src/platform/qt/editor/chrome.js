@@ -380,8 +380,10 @@
     if (settings.snap) attach();
   }
 
-  // The lines of the grid belong to the page.
+  // The lines of the grid belong to the page. To ask how far the page is scrolled is to have it
+  // laid out.
   function placeGrid() {
+    if (!settings.snap) return;
     grid.style.backgroundPosition = `${-scrollX - 2}px ${-scrollY - 2}px`;
   }
 

@@ -327,8 +327,11 @@ const pw = (function () {
     observer.disconnect();
     let lost = false;
     try {
-      if (message.full) replaceAll(message);
-      else applyLists(message);
+      if (message.full) {
+        const [left, top] = [scrollX, scrollY];
+        replaceAll(message);
+        scrollTo(left, top);
+      } else applyLists(message);
     } catch (error) {
       // Whatever it is, the program's tree is the one that counts.
       lost = true;
@@ -376,7 +379,6 @@ const pw = (function () {
   }
 
   function replaceAll(message) {
-    const [left, top] = [scrollX, scrollY];
     nodeOf.clear();
     control = null;
     for (const child of [...document.childNodes])
@@ -385,7 +387,6 @@ const pw = (function () {
     give(document, message.root);
     document.pwLive = true;
     for (const listener of pwListeners.shown) listener();
-    scrollTo(left, top);
   }
 
   // The first tree of a fresh view.
@@ -402,9 +403,11 @@ const pw = (function () {
     observe();
     seen = message.m;
     if (message.sel) select(message.sel);
-    lastSelection = JSON.stringify(selection());
+    // To ask the engine for a selection is to have the page laid out, and here there is none.
+    const isBlank = !message.sel || message.sel[0] === 0;
+    lastSelection = JSON.stringify(isBlank ? [0] : selection());
+    reportState(!isBlank);
     call('applied', seen);
-    reportState();
   }
 
   // --- Selection --------------------------------------------------------------------------------
@@ -510,11 +513,10 @@ const pw = (function () {
 
   // The program asks for them when the hand rests: this costs more than a key press may.
   let stateStale = true, lastState = '';
-  function reportState() {
+  function reportState(any = getSelection().rangeCount > 0) {
     if (!stateStale) return;
     stateStale = false;
     const states = {}, values = {};
-    const any = getSelection().rangeCount > 0;
     for (const name of TOGGLES)
       states[name] = !any ? 1 : document.queryCommandState(name) ? 7 : 3;
     for (const name of ACTIONS)
