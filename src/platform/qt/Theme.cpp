@@ -11,6 +11,9 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QStandardPaths>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace pw {
 
@@ -60,14 +63,25 @@ class QuickStyle : public QProxyStyle {
   public:
     using QProxyStyle::QProxyStyle;
 
-    // Every toolbar asks for the picture of its "more" button when it is made. The usual one is a
-    // bitmap, for which Qt would load the readers of all picture formats before the window is up.
+    // Every toolbar asks for the picture of its "more" button when it is made, and every window of a
+    // page for those of its menu. The usual ones are bitmaps, for which Qt would load the readers of
+    // all picture formats before the first page is up.
     QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
                        const QWidget* widget) const override {
-        const char* name = which == SP_ToolBarHorizontalExtensionButton ? "arrow-right-double"
-                           : which == SP_ToolBarVerticalExtensionButton ? "arrow-down-double"
-                                                                        : nullptr;
-        const QIcon icon = name ? QIcon::fromTheme(QLatin1String(name)) : QIcon();
+        static constexpr std::pair<StandardPixmap, const char*> kNames[] = {
+            {SP_ToolBarHorizontalExtensionButton, "arrow-right-double"},
+            {SP_ToolBarVerticalExtensionButton, "arrow-down-double"},
+            {SP_TitleBarMenuButton, "text-html"},
+            {SP_TitleBarMinButton, "window-minimize"},
+            {SP_TitleBarMaxButton, "window-maximize"},
+            {SP_TitleBarNormalButton, "window-restore"},
+            {SP_TitleBarCloseButton, "window-close"},
+        };
+        const auto* const found =
+            std::ranges::find(kNames, which, &std::pair<StandardPixmap, const char*>::first);
+        const QIcon icon = found == std::end(kNames)
+                               ? QIcon()
+                               : QIcon::fromTheme(QLatin1String(found->second));
         return icon.isNull() ? QProxyStyle::standardIcon(which, option, widget) : icon;
     }
 
