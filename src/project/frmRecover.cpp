@@ -17,7 +17,7 @@ void frmRecover::Form_Load() {
     lblText.SetCaption(
         "The program ended unexpectedly while these projects had unsaved changes. You can recover "
         "a project now, decide later, or discard its changes for good.");
-    lvwRecover.SetColumns({{"Project", 180}, {"File", 280}, {"Last change", 160}});
+    lvwRecover.SetColumns({{"Project", 140}, {"File", 225}, {"Last change", 165}});
     Fill();
 }
 

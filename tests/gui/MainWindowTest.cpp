@@ -111,6 +111,8 @@ TEST_F(MainWindowTest, FirstPageFillsTheRoomAndLaterOnesFollow) {
     first->SetCaption("Home [index.htm]");
     EXPECT_TRUE(frame(*first)->isMaximized());
     EXPECT_EQ(frame(*first)->windowTitle(), "Home [index.htm]");
+    frame(*first)->showNormal();
+    EXPECT_TRUE(window.pages().viewport()->rect().contains(frame(*first)->geometry()));
     surface.Arrange(Arrangement::Cascade);
     EXPECT_FALSE(frame(*first)->isMaximized());
     const auto second = surface.CreateDocument();

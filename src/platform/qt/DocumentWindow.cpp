@@ -80,7 +80,10 @@ DocumentWindow::DocumentWindow(QMdiArea& area, const EditorFactory& editors)
 
     frame_->setWidget(content);
     frame_->setAttribute(Qt::WA_DeleteOnClose, false);
-    frame_->resize(720, 520);
+    // What it has when it no longer fills the room; it must not stick out of a small one.
+    frame_->resize(QSize(720, 520)
+                       .boundedTo(area_.viewport()->size() * 0.9)
+                       .expandedTo(frame_->minimumSizeHint()));
     // A new page fills the room, unless the user has put the windows side by side.
     const QMdiSubWindow* front = area_.activeSubWindow();
     const bool maximised = !front || front->isMaximized();
