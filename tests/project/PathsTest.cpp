@@ -1,7 +1,7 @@
 #include "project/Paths.h"
 
-#include "project/Folders.h"
 #include "platform/Text.h"
+#include "project/Folders.h"
 #include "support/TestProject.h"
 
 namespace pw {

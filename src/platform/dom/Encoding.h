@@ -16,9 +16,9 @@ struct Encoding {
 struct Decoded {
     std::string text;  ///< UTF-8
     Encoding encoding;
-    /** Bytes that could not be decoded, the first 1,000 of them. Each stands in `text` as one private character,
-     *  U+10FE00 plus the byte, at this offset, and `encode` writes it as the byte that it was: so
-     *  such bytes survive whatever is edited around them. */
+    /** Bytes that could not be decoded, the first 1,000 of them. Each stands in `text` as one
+     * private character, U+10FE00 plus the byte, at this offset, and `encode` writes it as the byte
+     * that it was: so such bytes survive whatever is edited around them. */
     struct Stray {
         std::size_t offset;
         std::string byte;

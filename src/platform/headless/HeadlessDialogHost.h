@@ -21,7 +21,8 @@ class HeadlessDialogHost : public DialogHost {
 
     /** The next message box. With a text, that box must hold it, or it counts as unscripted. */
     void ExpectMessage(Answer answer, std::string text = "");
-    /** The next dialog of this form: `act` presses its controls. A modal one left open is closed. */
+    /** The next dialog of this form: `act` presses its controls. A modal one left open is closed.
+     */
     void ExpectDialog(std::string form, std::function<void(Dialog&)> act);
     void ExpectFile(std::string path) { files_.push_back(std::move(path)); }  ///< open and save
     void ExpectFolder(std::string path) { folders_.push_back(std::move(path)); }

@@ -63,9 +63,9 @@ class QuickStyle : public QProxyStyle {
   public:
     using QProxyStyle::QProxyStyle;
 
-    // Every toolbar asks for the picture of its "more" button when it is made, and every window of a
-    // page for those of its menu. The usual ones are bitmaps, for which Qt would load the readers of
-    // all picture formats before the first page is up.
+    // Every toolbar asks for the picture of its "more" button when it is made, and every window of
+    // a page for those of its menu. The usual ones are bitmaps, for which Qt would load the readers
+    // of all picture formats before the first page is up.
     QIcon standardIcon(StandardPixmap which, const QStyleOption* option,
                        const QWidget* widget) const override {
         static constexpr std::pair<StandardPixmap, const char*> kNames[] = {
@@ -79,9 +79,8 @@ class QuickStyle : public QProxyStyle {
         };
         const auto* const found =
             std::ranges::find(kNames, which, &std::pair<StandardPixmap, const char*>::first);
-        const QIcon icon = found == std::end(kNames)
-                               ? QIcon()
-                               : QIcon::fromTheme(QLatin1String(found->second));
+        const QIcon icon =
+            found == std::end(kNames) ? QIcon() : QIcon::fromTheme(QLatin1String(found->second));
         return icon.isNull() ? QProxyStyle::standardIcon(which, option, widget) : icon;
     }
 
