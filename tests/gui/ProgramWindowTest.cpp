@@ -143,6 +143,34 @@ TEST(ProgramWindow, PageExplorerSelectsBothWays) {
         [&] { return tree->currentIndex() == tree->model()->index(0, 0, body); }, 5000));
 }
 
+// --- The page -----------------------------------------------------------------------------------
+
+TEST(ProgramWindow, UndoAndRedoShowWhatTheyChange) {
+    TestContext outer;
+    std::string html = "<html><head><title>t</title></head><body>";
+    for (int i = 0; i < 200; ++i)
+        html += "<p>Paragraph " + std::to_string(i) + "</p>";
+    outer.folder.Put("page.html", html + "</body></html>");
+    ShownProgram shown(outer, outer.folder.Path("page.html"));
+    const auto scrolled = [&](const char* script) {
+        return test::RunInPage(*shown.View().view()->page(), QString::fromUtf8(script),
+                               QWebEngineScript::ApplicationWorld)
+            .toInt();
+    };
+    dom::Node* last = shown.Document().body()->lastChild()->firstChild();
+    shown.Document().collapse({last, last->data().size()});
+    shown.Page().WaitUntilReady();
+    QTest::keyClicks(shown.Keyboard(), "x");
+    shown.Settle();
+    ASSERT_EQ(last->data(), "Paragraph 199x");
+    for (const auto& [tool, text] : {std::pair{101, "Paragraph 199"}, {102, "Paragraph 199x"}}) {
+        EXPECT_EQ(scrolled("scrollTo(0, 0); scrollY"), 0);
+        shown.Press(tool);
+        EXPECT_EQ(last->data(), text);
+        EXPECT_GT(scrolled("scrollY"), 1000) << text;
+    }
+}
+
 // --- The status bar -----------------------------------------------------------------------------
 
 TEST(ProgramWindow, StatusPanelsAreNotCut) {

@@ -342,9 +342,11 @@ std::string HtmlEditor::ExecCommand(int command, const std::string& argument) {
     switch (command) {
         case DECMD_UNDO:
             document_->undo();
+            if (surface_) surface_->ScrollToSelection();
             return {};
         case DECMD_REDO:
             document_->redo();
+            if (surface_) surface_->ScrollToSelection();
             return {};
         case DECMD_COPY:
             Copy();
