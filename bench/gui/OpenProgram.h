@@ -1,15 +1,14 @@
 #pragma once
-// What the benches with windows share.
+// The program with its real windows, for the benches.
 #include <QCoreApplication>
 #include <QElapsedTimer>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
-#include <vector>
 
+#include "BenchBasics.h"
 #include "frame/FunctionLibrary.h"
 #include "mainwindow/Program.h"
 #include "mainwindow/frmDocument.h"
@@ -20,26 +19,6 @@
 #include "platform/qt/editor/EditorView.h"
 
 namespace pw::bench {
-
-inline double median(std::vector<double> values) {
-    if (values.empty()) return 0;
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-/** A page like those of a manual: headings, paragraphs, links, lists. Of that many bytes or a few
- *  more. */
-inline std::string manualPage(std::size_t size) {
-    std::string html = "<!DOCTYPE html>\n<html><head><title>Manual</title></head><body>\n";
-    for (int i = 0; html.size() < size; ++i) {
-        const std::string n = std::to_string(i);
-        html += "<h2>Section " + n + "</h2>\n<p class=\"intro\">This section tells how <b>part " +
-                n + "</b> is set up, and what <a href=\"p" + n +
-                ".htm\">the other parts</a> expect of it.</p>\n<!-- " + n +
-                " -->\n<ul>\n<li>one item</li>\n<li>and <i>another</i></li>\n</ul>\n";
-    }
-    return html + "</body></html>\n";
-}
 
 template <typename Condition>
 void waitFor(Condition condition) {

@@ -2,13 +2,8 @@
 // press until the program has followed it and the window is drawn again, with the explorer shown
 // and hidden. The caret goes to another paragraph before each key, as it is then that the explorer
 // has something to do. Prints rows of the table of benches.
-#include <unistd.h>
-#include <QApplication>
 #include <QKeyEvent>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <fstream>
 
 #include "OpenProgram.h"
 
@@ -84,16 +79,12 @@ struct Shown : bench::OpenProgram {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    QTemporaryDir folder;
-    const std::string file = folder.filePath("many.html").toStdString();
-    std::ofstream(file, std::ios::binary) << page();
+    const bench::Application application(argc, argv);
+    const std::string file = application.put("many.html", page());
     std::vector<double> shown;
     std::vector<double> hidden;
     {
-        Shown program(folder.filePath("profile").toStdString(), file);
+        Shown program(application.path("profile"), file);
         // In turns, so that whatever else the machine does falls on both.
         for (int round = 0; round < 6; ++round) {
             for (const bool with : {true, false}) {
@@ -104,10 +95,6 @@ int main(int argc, char** argv) {
             }
         }
     }
-    const double a = bench::median(shown);
-    const double b = bench::median(hidden);
-    std::printf(
-        "page explorer follows a key, page of 5,000 elements\t%.1f ms\t%.1f ms\t%.2f\t1.2\n", a, b,
-        b > 0 ? a / b : 99);
+    bench::printRow("page explorer follows a key, page of 5,000 elements", shown, hidden, "1.2");
     return 0;
 }

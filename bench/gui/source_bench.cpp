@@ -1,12 +1,8 @@
 // From the press on the HTML tab until the source of a page of 1 MB is painted, beside a plain text
 // box (QPlainTextEdit, the quicker of Qt's two) that is given the same text. Prints a row of the
 // table of benches.
-#include <unistd.h>
-#include <QApplication>
 #include <QPlainTextEdit>
-#include <QTemporaryDir>
 
-#include <fstream>
 #include <functional>
 
 #include "OpenProgram.h"
@@ -26,15 +22,11 @@ double milliseconds(const std::function<void()>& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    QTemporaryDir folder;
-    const std::string file = folder.filePath("page.htm").toStdString();
+    const bench::Application application(argc, argv);
     const std::string html = bench::manualPage(1'000'000);
-    std::ofstream(file, std::ios::binary) << html;
+    const std::string file = application.put("page.htm", html);
 
-    bench::OpenProgram open(folder.filePath("profile").toStdString(), file);
+    bench::OpenProgram open(application.path("profile"), file);
     frmDocument& document = open.document();
     auto& source = dynamic_cast<SourceView&>(document.Surface().Source());
     QPlainTextEdit rival;
@@ -62,8 +54,6 @@ int main(int argc, char** argv) {
         rivals.push_back(b);
     }
     if (document.State() != View::Html || source.Text().size() < html.size()) return 1;
-    const double a = bench::median(ours);
-    const double b = bench::median(rivals);
-    std::printf("open the source view on 1 MB\t%.1f ms\t%.1f ms\t%.2f\t2\n", a, b, a / b);
+    bench::printRow("open the source view on 1 MB", ours, rivals, "2");
     return 0;
 }

@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
@@ -16,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "BenchBasics.h"
 #include "frame/FunctionLibrary.h"
 #include "frame/Settings.h"
 #include "platform/FileSystem.h"
@@ -76,11 +76,6 @@ void WriteUserDetails(const std::string& profile) {
     }
 }
 
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 }  // namespace
 
 int main() {
@@ -111,7 +106,8 @@ int main() {
         rival.push_back(bare);
     }
     fs::remove_all(folder);
-    std::printf("start to a page ready for typing\t%.3f s\t%.3f s\t%.2f\t1.5\n", Median(ours),
-                Median(rival), Median(ours) / Median(rival));
+    const double a = pw::bench::median(ours);
+    const double b = pw::bench::median(rival);
+    std::printf("start to a page ready for typing\t%.3f s\t%.3f s\t%.2f\t1.5\n", a, b, a / b);
     return 0;
 }

@@ -1,54 +1,27 @@
 // From a key press to the change in the program's document, on a page of 1 MB, beside the same key
 // in a bare browser view to its `input` event; and the time until a page stands in the view, beside
 // a bare view that loads it. Prints rows of the table of benches.
-#include <unistd.h>
-#include <QApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QKeyEvent>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QWebEnginePage>
 #include <QWebEngineView>
 
-#include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <string>
 #include <vector>
 
+#include "BenchBasics.h"
 #include "platform/qt/editor/EditorView.h"
 
 namespace {
+
+using namespace pw::bench;
 
 double now() {
     return std::chrono::duration<double, std::milli>(
                std::chrono::system_clock::now().time_since_epoch())
         .count();
-}
-
-double median(std::vector<double> values) {
-    if (values.empty()) return 0;
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-/** A page like those of a manual: headings, paragraphs, lists, a table now and then. */
-std::string page(std::size_t size) {
-    std::string html = "<!DOCTYPE html>\n<html><head><title>Manual</title></head><body>\n";
-    for (int i = 0; html.size() < size; ++i) {
-        const std::string n = std::to_string(i);
-        html += "<h2>Section " + n + "</h2>\n<p>This section tells how <b>part " + n +
-                "</b> is set up, what <a href=\"p" + n +
-                ".htm\">the other parts</a> expect of it, and what happens when it is left out. "
-                "Most sites need only the first of these settings.</p>\n<p>The text goes on for "
-                "another paragraph, so that there is something to lay out.</p>\n"
-                "<ul><li>one item</li><li>and <i>another</i></li></ul>\n";
-        if (i % 5 == 0)
-            html += "<table border=\"1\"><tr><td>name</td><td>value</td></tr><tr><td>" + n +
-                    "</td><td>text</td></tr></table>\n";
-    }
-    return html + "</body></html>\n";
 }
 
 template <typename Condition>
@@ -167,13 +140,6 @@ class Rival {
     BarePage* bare = new BarePage(&view);
 };
 
-void row(const char* what, const std::vector<double>& ours, const std::vector<double>& rival) {
-    const double a = median(ours);
-    const double b = median(rival);
-    std::printf("%s\t%.1f ms\t%.1f ms\t%.2f\t1.5\n", what, a, b, b > 0 ? a / b : 99);
-    std::fflush(stdout);
-}
-
 void measureTyping(const std::string& html, const QString& file) {
     Ours ours(html);
     Rival rival(file);
@@ -200,7 +166,7 @@ void measureTyping(const std::string& html, const QString& file) {
             rest(120);
         }
     }
-    row("key press to change in the document, page of 1 MB", a, b);
+    printRow("key press to change in the document, page of 1 MB", a, b, "1.5");
 }
 
 // A view of our own against a bare one in the same process: what building the page by script costs.
@@ -220,25 +186,18 @@ void measureShowing(const std::string& html, const QString& file) {
             if (round) b.push_back(double(timer.nsecsElapsed()) / 1e6);
         }
     }
-    row(html.size() > 500'000 ? "page of 1 MB shown in the editing view"
-                              : "page of 40 KB shown in the editing view",
-        a, b);
+    printRow(html.size() > 500'000 ? "page of 1 MB shown in the editing view"
+                                   : "page of 40 KB shown in the editing view",
+             a, b, "1.5");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    QApplication application(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    QTemporaryDir folder;
+    const Application application(argc, argv);
     for (const std::size_t size : {40'000, 1'000'000}) {
-        const std::string html = page(size);
-        const QString file = folder.filePath(QStringLiteral("page%1.htm").arg(size));
-        QFile out(file);
-        if (!out.open(QIODevice::WriteOnly)) return 1;
-        out.write(html.data(), qint64(html.size()));
-        out.close();
+        const std::string html = manualPage(size);
+        const QString file = QString::fromStdString(application.put("page.htm", html));
         measureShowing(html, file);
         if (size > 500'000) measureTyping(html, file);
     }
