@@ -35,8 +35,8 @@ constexpr ListedImage images[] = {
     {34, "choice-round"},       // option button
     {35, "text-field"},         // text box
     {36, "text-field-framed"},  // scrolling text box
-    {37, "password-show-off"},  // password
-    {38, "view-left-close"},    // frame
+    {37, "object-locked"},      // password
+    {38, "view-sidetree"},      // frame
     {39, "view-split-left-right"},
     {41, "insert-image"},
     {42, "application-x-java-archive"},
@@ -46,7 +46,7 @@ constexpr ListedImage images[] = {
     {46, "transform-move-horizontal"},
     {49, "dialog-scripts"},
     {50, "table"},
-    {51, "show_table_row"},
+    {51, "adjustrow"},
     {53, "video-x-generic"},
     {57, "state-warning"},  // slow to download
     {58, "state-ok"},       // quick to download
