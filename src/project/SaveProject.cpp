@@ -57,10 +57,13 @@ class CurrentPageMark {
 
 std::string AskForName(ProjectContext& context) {
     const std::string name = ReplaceAll(Trim(context.project.Name), "\\", "_");
+    const std::string& folder = context.frame.settings.ProjectsFolder;
+    // It comes with the first project. When it can't be made, the user goes elsewhere.
+    MakeFolder(context.frame.files, folder);
     FileQuestion question;
     question.title = "Save Project As";
     question.filter = "Projects (*.pwp)|*.pwp";
-    question.initialPath = BuildPath(context.frame.settings.ProjectsFolder, name);
+    question.initialPath = BuildPath(folder, name);
     question.defaultExtension = kProjectExtension;
     const std::string chosen = context.frame.dialogs.SaveFile(question);
     if (chosen.empty() || EqualsNoCase(GetExtension(chosen), kProjectExtension)) return chosen;

@@ -184,6 +184,13 @@ TEST(DialogHost, OpeningTakesExistingFilesAndMayBeCancelled) {
     EXPECT_EQ(host.OpenFile(question), fromNativeQt(folder.filePath("a.pwp")));
     whenModal<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
     EXPECT_EQ(host.OpenFile(question), "");
+    const FileQuestion astray{"Open", "Projects|*.pwp", fromNativeQt(folder.filePath("gone/a.pwp")),
+                              "pwp"};
+    whenModal<QFileDialog>([](QFileDialog& dialog) {
+        EXPECT_EQ(dialog.directory(), QDir::home());
+        dialog.reject();
+    });
+    EXPECT_EQ(host.OpenFile(astray), "");
     whenModal<QFileDialog>(
         [](QFileDialog& dialog) { static_cast<QDialog&>(dialog).done(QDialog::Accepted); });
     EXPECT_EQ(host.BrowseFolder("Folder", fromNativeQt(folder.path())),

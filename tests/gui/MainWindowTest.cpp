@@ -91,7 +91,8 @@ TEST_F(MainWindowTest, WelcomePageOffersTheFirstSteps) {
     surface.events.openProject = [&] { told.push_back("open"); };
     surface.events.openRecent = [&](const std::string& path) { told.push_back(path); };
     surface.ShowWelcome(true, {"\\home\\ann\\Shop.pwp", "\\tmp\\b.pwp"});
-    QTest::mouseClick(window.findChild<QPushButton*>("cmdNewProject"), Qt::LeftButton);
+    ASSERT_EQ(window.focusWidget(), window.findChild<QPushButton*>("cmdNewProject"));
+    QTest::keyClick(window.focusWidget(), Qt::Key_Return);
     QTest::mouseClick(window.findChild<QPushButton*>("cmdOpenProject"), Qt::LeftButton);
     auto* list = window.findChild<QListWidget*>("lstRecent");
     ASSERT_EQ(list->count(), 2);

@@ -106,6 +106,8 @@ TEST(SaveProject, AsksForANameOnlyWhenItMay) {
     test.dialogs.ExpectFile("");
     EXPECT_FALSE(SaveProject(test.context, Proceed::Save, Silent::No));
     EXPECT_EQ(test.frame.settings.ProjectFilename, "");
+    EXPECT_TRUE(FolderExists(test.frame.files, test.frame.settings.ProjectsFolder))
+        << "the first project needs a place to be saved in";
     const FileQuestion question = test.dialogs.FileQuestions().back();
     EXPECT_EQ(question.title, "Save Project As");
     EXPECT_EQ(question.filter, "Projects (*.pwp)|*.pwp");

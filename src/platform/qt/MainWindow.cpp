@@ -365,6 +365,8 @@ void MainWindow::ShowWelcome(bool show, const std::vector<std::string>& recentPr
     if (show && !welcome_) makeWelcome();
     if (welcome_) welcome_->setRecentProjects(paths);
     centre_->setCurrentWidget(show ? static_cast<QWidget*>(welcome_) : pages_);
+    // Else a key would press whatever comes first in the window.
+    if (show) welcome_->setFocus();
 }
 
 std::vector<std::string> MainWindow::FontNames() const {

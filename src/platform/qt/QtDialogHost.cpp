@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -103,12 +104,10 @@ void prepare(QFileDialog& dialog, const FileQuestion& question) {
     dialog.setDefaultSuffix(toQt(question.defaultExtension));
     if (question.initialPath.empty()) return;
     const QFileInfo initial(toNativeQt(question.initialPath));
-    if (initial.isDir()) {
-        dialog.setDirectory(initial.filePath());
-    } else {
-        dialog.setDirectory(initial.path());
-        dialog.selectFile(initial.fileName());
-    }
+    const QString folder = initial.isDir() ? initial.filePath() : initial.path();
+    // For a folder that is not there Qt would take the one that the program was started in.
+    dialog.setDirectory(QFileInfo(folder).isDir() ? folder : QDir::homePath());
+    if (!initial.isDir()) dialog.selectFile(initial.fileName());
 }
 
 std::string chosenFile(QFileDialog& dialog) {
