@@ -100,6 +100,7 @@ void frmDocument::ConnectSurface() {
             m_docEvents_onmousedown(hit);
         };
         events.mouseUp = [this] { m_docEvents_onmouseup(); };
+        events.styled = [this] { UpdateDocumentUI(context_, key_); };
         events.doubleClick = [this] { m_docEvents_ondblclick(); };
         events.mouseOver = [this] { context_.window.ResetStatus(); };
         events.contextMenu = [this] { docDHTMLEditor_ShowContextMenu(); };

@@ -66,6 +66,7 @@ class EditorSurface {
     struct Events {
         std::function<void()> loaded;   ///< a Show is complete
         std::function<void()> changed;  ///< the document or the selection changed
+        std::function<void()> styled;   ///< a style sheet has come, and the states are others
         std::function<void(dom::Node* hit)> mouseDown;
         std::function<void()> mouseUp;
         std::function<void()> mouseOver;

@@ -23,6 +23,7 @@
 #include "platform/qt/QtDialogHost.h"
 #include "platform/qt/QtText.h"
 #include "platform/qt/StatusPanel.h"
+#include "project/Pages.h"
 
 namespace pw {
 namespace {
@@ -169,6 +170,30 @@ TEST(ProgramWindow, UndoAndRedoShowWhatTheyChange) {
         EXPECT_EQ(last->data(), text);
         EXPECT_GT(scrolled("scrollY"), 1000) << text;
     }
+}
+
+TEST(ProgramWindow, TheFontFollowsALateStyleSheet) {
+    TestContext outer;
+    outer.folder.Put("serif.css", "p { font-family: 'DejaVu Serif' }");
+    ShownProgram shown(
+        outer, outer.folder.Put("page.html",
+                                "<html><head><title>t</title><link rel=stylesheet href=serif.css>"
+                                "</head><body><p>text</p></body></html>"));
+    const auto shows = [&](const char* font) {
+        return QTest::qWaitFor([&] { return shown.Main().barMain.FindTool(402)->text == font; },
+                               5000);
+    };
+    QTest::mouseClick(shown.Keyboard(), Qt::LeftButton, {}, QPoint(20, 25));
+    shown.Settle();
+    EXPECT_TRUE(shows("DejaVu Serif"));
+    // The caret stays where it is; only the page looks other.
+    const std::string page = GetPage(shown.Main().ProjectState(), "W0001P0001")->Filename;
+    ASSERT_EQ(outer.frame.files.Write(GetParentFolder(page) + "\\mono.css",
+                                      "p { font-family: 'DejaVu Sans Mono' }"),
+              FileError::None);
+    dom::Document& document = shown.Document();
+    document.setOuterHTML(*document.tags("link").front(), "<link rel=stylesheet href=mono.css>");
+    EXPECT_TRUE(shows("DejaVu Sans Mono"));
 }
 
 // --- The status bar -----------------------------------------------------------------------------

@@ -10,9 +10,9 @@ namespace {
 constexpr ListedImage images[] = {
     {1, "project-development"},    // project
     {2, "globe"},                  // web site
-    {3, "text-html"},              // window of a page
+    {3, "view-pages-single"},      // window of a page
     {4, "document-edit"},          // window of a page in a changed site
-    {5, "text-html"},              // page
+    {5, "view-pages-single"},      // page
     {6, "view-split-left-right"},  // frame page
     {7, "folder"},
     {8, "folder-open"},
@@ -22,7 +22,7 @@ constexpr ListedImage images[] = {
     {12, "task-complete"},      // finished task
     {20, "code-variable"},      // merge variable
     {21, "plugins"},            // object
-    {23, "text-html"},          // body
+    {23, "view-pages-single"},  // body
     {24, "bookmarks"},          // bookmark
     {25, "edit-comment"},       // comment
     {27, "draw-rectangle"},     // division, span

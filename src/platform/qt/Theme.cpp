@@ -71,7 +71,7 @@ class QuickStyle : public QProxyStyle {
         static constexpr std::pair<StandardPixmap, const char*> kNames[] = {
             {SP_ToolBarHorizontalExtensionButton, "arrow-right-double"},
             {SP_ToolBarVerticalExtensionButton, "arrow-down-double"},
-            {SP_TitleBarMenuButton, "text-html"},
+            {SP_TitleBarMenuButton, "view-pages-single"},
             {SP_TitleBarMinButton, "window-minimize"},
             {SP_TitleBarMaxButton, "window-maximize"},
             {SP_TitleBarNormalButton, "window-restore"},

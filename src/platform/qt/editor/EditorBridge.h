@@ -18,6 +18,7 @@ class EditorBridge : public QObject {
     void state(const QString& json) { emit hasState(json); }
     void applied(int message) { emit hasApplied(message); }
     void lost(int message) { emit isLost(message); }
+    void styled() { emit isStyled(); }
     void synced(int token, int keys) { emit hasSynced(token, keys); }
     void executed(int token, bool done) { emit hasExecuted(token, done); }
     void mouse(const QString& what, double node) { emit mouseMoved(what, qint64(node)); }
@@ -36,6 +37,7 @@ class EditorBridge : public QObject {
     void hasState(const QString& json);
     void hasApplied(int message);
     void isLost(int message);
+    void isStyled();
     void hasSynced(int token, int keys);
     void hasExecuted(int token, bool done);
     void mouseMoved(const QString& what, qint64 node);

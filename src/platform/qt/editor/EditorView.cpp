@@ -126,6 +126,11 @@ void EditorView::connectBridge() {
     connect(bridge_, &EditorBridge::isLost, this, [this](int message) {
         if (projection_) projection_->viewIsLost(static_cast<std::uint32_t>(message));
     });
+    connect(bridge_, &EditorBridge::isStyled, this, [this] {
+        post([this] {
+            if (events.styled) events.styled();
+        });
+    });
     connect(bridge_, &EditorBridge::hasSynced, this, [this](int token, int keys) {
         syncedToken_ = token;
         keysSeen_ = keys;

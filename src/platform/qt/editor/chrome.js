@@ -141,7 +141,7 @@
     if (pw.control()) showFrame();
   }, true);
   addEventListener('resize', frameLater);
-  addEventListener('load', () => { if (pw.control() || cells.length) frameLater(); }, true);
+  document.addEventListener('load', () => { if (pw.control() || cells.length) frameLater(); }, true);
 
   // --- Resizing and moving ----------------------------------------------------------------------
 

@@ -528,6 +528,16 @@ const pw = (function () {
     call('state', text);
   }
 
+  // A style sheet may come when the caret stands already, and change the fonts there.
+  document.addEventListener('load', event => {
+    if (!(event.target instanceof HTMLLinkElement || event.target instanceof HTMLStyleElement))
+      return;
+    const before = lastState;
+    stateStale = true;
+    reportState();
+    if (lastState !== before) call('styled');
+  }, true);
+
   // --- Requests of the program -------------------------------------------------------------------
 
   // The program waits for this: everything that was done here is on the wire before the answer.
