@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextLayout>
 
 #include "platform/qt/SourceHighlighter.h"
+#include "support/CpuTimer.h"
 
 namespace pw {
 namespace {
@@ -126,11 +126,10 @@ TEST_F(SourceViewTest, AMegabyteOpensWithoutAPause) {
     std::string text;
     while (text.size() < 1'000'000)
         text += "<p class=\"a\">some text <b>bold</b> &amp; more</p>\r\n";
-    QElapsedTimer timer;
-    timer.start();
+    const test::CpuTimer timer;
     view.SetText(text, colors);
     view.grab();
-    const qint64 shown = timer.elapsed();
+    const double shown = timer.Milliseconds();
     EXPECT_LT(shown, 1500);
     RecordProperty("milliseconds", int(shown));
     EXPECT_FALSE(view.highlighter().isColored(view.document()->lastBlock()));
@@ -144,12 +143,11 @@ TEST_F(SourceViewTest, ALineOfAMegabyteIsSurvived) {
     std::string text;
     while (text.size() < 1'000'000)
         text += "<p class=\"a\">some text <b>bold</b> more</p>";
-    QElapsedTimer timer;
-    timer.start();
+    const test::CpuTimer timer;
     view.SetText(text, colors);
     view.grab();
-    EXPECT_LT(timer.elapsed(), 10000);
-    RecordProperty("milliseconds", int(timer.elapsed()));
+    EXPECT_LT(timer.Seconds(), 10);
+    RecordProperty("milliseconds", int(timer.Milliseconds()));
 }
 
 }  // namespace
