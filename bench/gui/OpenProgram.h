@@ -68,10 +68,7 @@ struct OpenProgram {
         [](const std::string& question) { std::fprintf(stderr, "asked: %s\n", question.c_str()); }};
     MemoryClipboard clipboard;
     QtMessageLoop loop;
-    MainWindow window{[](QWidget* parent) {
-        auto* view = new EditorView(parent);
-        return EditorParts{view, view};
-    }};
+    MainWindow window{makeEditor};
     std::unique_ptr<Program> program;
 };
 

@@ -95,10 +95,7 @@ int run(QApplication& application, const Arguments& arguments) {
     std::unique_ptr<MainWindow> window;
     ProgramParts parts;
     parts.makeWindow = [&]() -> MainWindowSurface& {
-        window = std::make_unique<MainWindow>([](QWidget* parent) {
-            auto* view = new EditorView(parent);
-            return EditorParts{view, view};
-        });
+        window = std::make_unique<MainWindow>(makeEditor);
         dialogs.setParent(window.get());
         return *window;
     };

@@ -12,6 +12,7 @@
 #include "project/Folders.h"
 #include "project/LinkList.h"
 #include "project/Links.h"
+#include "project/PageNames.h"
 #include "project/Pages.h"
 
 namespace pw::cli {
@@ -77,19 +78,12 @@ class Listing {
     std::optional<JsonArray> json_;
 };
 
-/** In the tree and in the page itself. */
-void SetPageTitle(Session& session, Page& page, const std::string& name) {
-    std::string bytes;
-    FileSystem& files = session.Files();
-    const FileError read = files.Read(page.Filename, bytes);
-    const auto document =
-        read == FileError::None ? dom::Document::parse(bytes) : std::unique_ptr<dom::Document>();
-    if (!document) throw CommandFailure{"The page can not be read."};
-    document->setTitle(name);
-    const FileError written = files.Write(page.Filename, document->bytes());
-    if (written != FileError::None)
-        throw CommandFailure{"The page can not be written: " + Describe(written) + "."};
-    page.Name = page.Title = name;
+void GiveTitle(Session& session, Page& page, const std::string& title) {
+    try {
+        SetPageTitle(session.Context(), page, title);
+    } catch (const Failure& failure) {
+        throw CommandFailure{failure.what()};
+    }
     session.Project().IsDirty = true;
 }
 
@@ -186,7 +180,7 @@ void RunRename(const Invocation& invocation) {
             throw CommandFailure{reason};
     } else if (item.page) {
         if (invocation.arguments.Has("--title")) {
-            SetPageTitle(session, *item.page, name);
+            GiveTitle(session, *item.page, name);
         } else {
             RenamePageFile(session, *item.page, name);
         }

@@ -52,10 +52,7 @@ ImagePair PictureOf(ExplorerImage image) {
 
 class TreeFiller : public ExplorerNodes {
   public:
-    explicit TreeFiller(TreeView& tree) : tree_(tree) { tree_.BeginUpdate(); }
-    ~TreeFiller() override { tree_.EndUpdate(); }
-    TreeFiller(const TreeFiller&) = delete;
-    TreeFiller& operator=(const TreeFiller&) = delete;
+    explicit TreeFiller(TreeView& tree) : tree_(tree), update_(tree) {}
 
     void Clear() override { tree_.Clear(); }
     void Add(const std::string& parentKey, const std::string& key, const std::string& text,
@@ -74,6 +71,7 @@ class TreeFiller : public ExplorerNodes {
 
   private:
     TreeView& tree_;
+    TreeUpdate update_;
 };
 
 void SetPane(MainContext& context, Pane pane) {

@@ -23,18 +23,6 @@ dom::Node* FirstBody(const dom::Document& document) {
     return nullptr;
 }
 
-/** One reset of the view instead of many steps. */
-class TreeUpdate {
-  public:
-    explicit TreeUpdate(TreeView& tree) : tree_(tree) { tree_.BeginUpdate(); }
-    ~TreeUpdate() { tree_.EndUpdate(); }
-    TreeUpdate(const TreeUpdate&) = delete;
-    TreeUpdate& operator=(const TreeUpdate&) = delete;
-
-  private:
-    TreeView& tree_;
-};
-
 }  // namespace
 
 // --- The page -----------------------------------------------------------------------------------

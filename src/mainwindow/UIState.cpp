@@ -341,6 +341,8 @@ void UpdateDocumentUI(MainContext& context, const std::string& key) {
             return;
         }
         HtmlEditor& editor = document->docDHTMLEditor;
+        // Once for all that is read below. Without a caret there is nothing to wait for.
+        if (IsAvailable(editor.QueryStatus(DECMD_GETFONTNAME))) document->WaitUntilReady();
         UpdateToggles(context, editor);
         UpdateFontTools(context, editor);
         UpdateUndoTools(context, editor);

@@ -63,14 +63,13 @@ void BuildTargetsTraverse(TreeView& tree, ProjectContext& context, const Pages& 
 void BuildTargetsList(TreeView& tree, ProjectContext& context) {
     Trap(context.frame.errorLog, kModule, "BuildTargetsList", [&] {
         tree.Clear();
-        tree.BeginUpdate();
+        const TreeUpdate update(tree);
         for (const auto& site : context.project.WebSites()) {
             TreeNode node = MakeNode(site.Key(), site.Name, 0);
             node.expanded = true;
             tree.Add("", std::move(node));
             BuildTargetsTraverse(tree, context, site.Pages(), site.Sections(), site.Key());
         }
-        tree.EndUpdate();
     });
 }
 

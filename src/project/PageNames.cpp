@@ -9,28 +9,29 @@
 
 namespace pw {
 
-namespace {
-
-void GiveTitle(ProjectContext& context, Page& page, const std::string& title) {
-    page.Name = title;
-    page.Title = title;
-    page.IsDirty = true;
+void SetPageTitle(ProjectContext& context, Page& page, const std::string& title) {
     if (OpenPage* open = context.workspace.FindOpenPage(page.Key())) {
+        page.Name = page.Title = title;
         open->SetToNormalEditMode();
         open->TakeOverEdits();
         open->Document().setTitle(title);
         open->RefreshCaption();
-        return;
+    } else {
+        FileSystem& files = context.frame.files;
+        std::string bytes;
+        const FileError read = files.Read(page.Filename, bytes);
+        if (read != FileError::None)
+            throw Failure("The page can not be read: " + Describe(read) + ".");
+        const auto document = dom::Document::parse(bytes);
+        if (!document) throw Failure("The page can not be read.");
+        document->setTitle(title);
+        const FileError written = files.Write(page.Filename, document->bytes());
+        if (written != FileError::None)
+            throw Failure("The page can not be written: " + Describe(written) + ".");
+        page.Name = page.Title = title;
     }
-    FileSystem& files = context.frame.files;
-    const auto document = dom::Document::parse(ReadTextFile(files, page.Filename));
-    if (!document) throw Failure("Page '" + title + "' can not be read.");
-    document->setTitle(title);
-    const FileError error = files.Write(page.Filename, document->bytes());
-    if (error != FileError::None) throw Failure("Page '" + title + "': " + Describe(error));
+    page.IsDirty = true;
 }
-
-}  // namespace
 
 std::string PageNameProblem(std::string_view name) {
     if (name.starts_with('.'))
@@ -63,8 +64,8 @@ bool MovePageAside(ProjectContext& context, Page& page, std::string* reason) {
     const std::string name = std::to_string(number);
     if (!RenamePage(context, page, "page_" + name + ".htm", reason)) return false;
     // The file has made way: a title that could not be written does not stop anything.
-    Trap(context.frame.errorLog, "ProjectFunctions.", "GiveTitle",
-         [&] { GiveTitle(context, page, "Page " + name); });
+    Trap(context.frame.errorLog, "ProjectFunctions.", "SetPageTitle",
+         [&] { SetPageTitle(context, page, "Page " + name); });
     return true;
 }
 

@@ -14,6 +14,10 @@ std::string PageNameProblem(std::string_view name);
 /** True when a file beside the page's own has the name, in whatever letter case. */
 bool IsPageNameTaken(const ProjectContext& context, const Page& page, std::string_view name);
 
+/** In the tree and in the page itself, open or not. Throws a Failure when the page can't be read or
+ *  written; its title is the old one then. */
+void SetPageTitle(ProjectContext& context, Page& page, const std::string& title);
+
 /** The page that has a file of that name in the folder or site of `page`; none when no page has. */
 Page* FindNeighbour(const ProjectContext& context, const Page& page, std::string_view name);
 

@@ -91,10 +91,7 @@ struct ShownProgram {
 
     QtMessageLoop loop;
     QtClipboard clipboard;
-    MainWindow window{[](QWidget* parent) {
-        auto* view = new EditorView(parent);
-        return EditorParts{view, view};
-    }};
+    MainWindow window{makeEditor};
     std::unique_ptr<Program> program;
 };
 

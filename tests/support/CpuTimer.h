@@ -3,8 +3,8 @@
 
 namespace pw::test {
 
-/** The time that this thread has worked since the timer was made. What else the machine does meanwhile
- *  does not count, so that a limit on it says something about the code. */
+/** The time that this thread has worked since the timer was made. What else the machine does
+ * meanwhile does not count, so that a limit on it says something about the code. */
 class CpuTimer {
   public:
     double Seconds() const { return Now() - start_; }

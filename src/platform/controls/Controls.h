@@ -359,4 +359,16 @@ class TreeView : public Control {
     int updating_ = 0;
 };
 
+/** BeginUpdate and EndUpdate of a tree, whichever way the scope ends. */
+class TreeUpdate {
+  public:
+    explicit TreeUpdate(TreeView& tree) : tree_(tree) { tree_.BeginUpdate(); }
+    ~TreeUpdate() { tree_.EndUpdate(); }
+    TreeUpdate(const TreeUpdate&) = delete;
+    TreeUpdate& operator=(const TreeUpdate&) = delete;
+
+  private:
+    TreeView& tree_;
+};
+
 }  // namespace pw

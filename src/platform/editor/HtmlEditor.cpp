@@ -276,6 +276,13 @@ constexpr std::pair<EditorCommand, LayerCommand> kLayerCommands[] = {
     {DECMD_BRING_ABOVE_TEXT, LayerCommand::BringAboveText},
 };
 
+/** One that changes nothing, and is answered like QueryStatus. */
+bool IsQuestion(int command) {
+    return command == DECMD_GETBLOCKFMTNAMES || command == DECMD_GETBLOCKFMT ||
+           command == DECMD_GETFONTNAME || command == DECMD_GETFONTSIZE ||
+           command == DECMD_GETFORECOLOR || command == DECMD_GETBACKCOLOR;
+}
+
 template <typename Table>
 auto FindCommand(const Table& table, int command) -> decltype(&table[0].second) {
     for (const auto& entry : table)
@@ -336,8 +343,7 @@ CommandState HtmlEditor::QueryStatus(int command) {
 }
 
 std::string HtmlEditor::ExecCommand(int command, const std::string& argument) {
-    if (command == DECMD_GETBLOCKFMTNAMES) return BlockFormatNames();
-    WaitUntilReady();
+    if (!IsQuestion(command)) WaitUntilReady();
     if (QueryStatus(command) == CommandState::Disabled) return {};
     switch (command) {
         case DECMD_UNDO:
@@ -367,6 +373,8 @@ std::string HtmlEditor::ExecCommand(int command, const std::string& argument) {
         case DECMD_UNLINK:
             Unlink();
             return {};
+        case DECMD_GETBLOCKFMTNAMES:
+            return BlockFormatNames();
         case DECMD_GETBLOCKFMT:
             return BlockFormat();
         case DECMD_SETBLOCKFMT:

@@ -121,7 +121,9 @@ class HtmlEditor {
     CommandState QueryStatus(int command);
     /** Runs a command with its argument; the value of a "get" command is the result, the names of
      *  DECMD_GETBLOCKFMTNAMES one a line. Font sizes are "1" to "7"; colours are "#rrggbb" or, as
-     *  an argument, also a number 0x00BBGGRR. Does nothing when the command cannot run. */
+     *  an argument, also a number 0x00BBGGRR. Does nothing when the command cannot run. "Get"
+     *  commands, like QueryStatus, answer from what the view has reported: call WaitUntilReady
+     *  before them where the user may have done something since. */
     std::string ExecCommand(int command, const std::string& argument = {});
     /** What DECMD_INSERTTABLE does: a new table in place of the selected text, one undo step. Does
      *  nothing when the command cannot run. */

@@ -99,6 +99,8 @@ DocumentWindow::DocumentWindow(QMdiArea& area, const EditorFactory& editors)
 
 DocumentWindow::~DocumentWindow() {
     if (!frame_) return;
+    // The frame outlives the page: what still comes from its views has nobody to go to.
+    if (editor_.surface) editor_.surface->events = {};
     source_->events = {};
     preview_->EditorSurface::events = {};
     frame_->forgetPage();

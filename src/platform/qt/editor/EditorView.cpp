@@ -66,7 +66,10 @@ EditorView::EditorView(QWidget* parent)
     : QWidget(parent),
       view_(new EditorWebView(this)),
       zoom_(*view_),
-      bridge_(new EditorBridge(this)) {
+      bridge_(new EditorBridge(this)),
+      relay_(*bridge_, events, [this](qint64 node) {
+          return projection_ ? projection_->nodeOfView(node) : nullptr;
+      }) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(view_);
@@ -92,7 +95,7 @@ EditorView::EditorView(QWidget* parent)
                 std::vector<std::string> files;
                 for (const QString& path : paths)
                     files.push_back(FromNativePath(path.toStdString()));
-                post([this, files] {
+                relay_.post([this, files] {
                     Flush();
                     if (events.filesDropped) events.filesDropped(files);
                 });
@@ -118,18 +121,11 @@ void EditorView::connectBridge() {
         if (life_ == Life::Loading && prepared_.empty()) {
             life_ = Life::Alive;
             deaths_ = 0;
-            post([this] {
-                if (events.loaded) events.loaded();
-            });
+            relay_.tell(&Events::loaded);
         }
     });
     connect(bridge_, &EditorBridge::isLost, this, [this](int message) {
         if (projection_) projection_->viewIsLost(static_cast<std::uint32_t>(message));
-    });
-    connect(bridge_, &EditorBridge::isStyled, this, [this] {
-        post([this] {
-            if (events.styled) events.styled();
-        });
     });
     connect(bridge_, &EditorBridge::hasSynced, this, [this](int token, int keys) {
         syncedToken_ = token;
@@ -139,24 +135,9 @@ void EditorView::connectBridge() {
         executedToken_ = token;
         executedDone_ = done;
     });
-    connect(bridge_, &EditorBridge::mouseMoved, this, &EditorView::dispatchMouse);
-    connect(bridge_, &EditorBridge::keyReleased, this, &EditorView::dispatchKey);
-    connect(bridge_, &EditorBridge::commandAsked, this, &EditorView::dispatchCommand);
-    connect(bridge_, &EditorBridge::isPlaced, this, &EditorView::dispatchPlacement);
     connect(bridge_, &EditorBridge::hasFreePlace, this, [this](int token, const QString& json) {
         placeToken_ = token;
         freePlace_ = json;
-    });
-    connect(bridge_, &EditorBridge::markupDropped, this,
-            [this](const QString& html, const QString& text) {
-                post([this, html = html.toStdString(), text = text.toStdString()] {
-                    if (events.dropped) events.dropped(html, text);
-                });
-            });
-    connect(bridge_, &EditorBridge::hasFocus, this, [this] {
-        post([this] {
-            if (events.focused) events.focused();
-        });
     });
 }
 
@@ -273,9 +254,7 @@ void EditorView::rendererDied() {
 // A page that kills every renderer can still be edited as source.
 void EditorView::giveUp() {
     qWarning("The browser engine fails on this page again and again; it is not shown");
-    post([this] {
-        if (events.loaded) events.loaded();
-    });
+    relay_.tell(&Events::loaded);
 }
 
 // --- The wire -----------------------------------------------------------------------------------
@@ -285,14 +264,10 @@ void EditorView::run(const QString& script) {
     view_->page()->runJavaScript(script, kWorld);
 }
 
-void EditorView::post(std::function<void()> event) {
-    QMetaObject::invokeMethod(this, std::move(event), Qt::QueuedConnection);
-}
-
 void EditorView::sendSoon() {
     if (sendPosted_) return;
     sendPosted_ = true;
-    post([this] {
+    relay_.post([this] {
         sendPosted_ = false;
         sendOutgoing();
     });
@@ -318,7 +293,7 @@ void EditorView::takeBatch(const QString& json) {
         return;
     }
     stateTimer_.start();
-    reportChanged();
+    relay_.changed();
 }
 
 void EditorView::takeState(const QString& json) {
@@ -331,16 +306,7 @@ void EditorView::takeState(const QString& json) {
     const QJsonObject values = message[QLatin1String("values")].toObject();
     for (auto it = values.begin(); it != values.end(); ++it)
         values_[it.key()] = it.value().toString();
-    reportChanged();
-}
-
-void EditorView::reportChanged() {
-    if (changedPosted_) return;
-    changedPosted_ = true;
-    post([this] {
-        changedPosted_ = false;
-        if (events.changed) events.changed();
-    });
+    relay_.changed();
 }
 
 // --- Waiting ------------------------------------------------------------------------------------
@@ -490,63 +456,7 @@ bool EditorView::Execute(const std::string& command, const std::string& argument
     return answered && executedDone_;
 }
 
-// --- What happens in the view -------------------------------------------------------------------
-
-void EditorView::dispatchMouse(const QString& what, qint64 node) {
-    if (what == QLatin1String("menu")) {
-        post([this] {
-            if (events.contextMenu) events.contextMenu();
-        });
-        return;
-    }
-    const std::pair<const char*, std::function<void()> EditorSurface::Events::*> table[] = {
-        {"up", &EditorSurface::Events::mouseUp},
-        {"over", &EditorSurface::Events::mouseOver},
-        {"double", &EditorSurface::Events::doubleClick}};
-    for (const auto& [name, member] : table)
-        if (what == QLatin1String(name))
-            post([this, member = member] {
-                if (events.*member) (events.*member)();
-            });
-    if (what == QLatin1String("down"))
-        post([this, node] {
-            if (!events.mouseDown || !projection_) return;
-            dom::Node* hit = projection_->nodeOfView(node);
-            events.mouseDown(hit && hit->isText() ? hit->parentElement() : hit);
-        });
-}
-
-void EditorView::dispatchKey(int code, bool alt, bool control, bool shift) {
-    post([this, press = KeyPress{code, alt, control, shift}] {
-        if (events.keyUp) events.keyUp(press);
-    });
-}
-
-void EditorView::dispatchCommand(const QString& name) {
-    post([this, name = name.toStdString()] {
-        if (events.command) events.command(name);
-    });
-}
-
-namespace {
-
-Placement placementOf(const QString& json) {
-    const QJsonObject object = QJsonDocument::fromJson(json.toUtf8()).object();
-    const auto part = [&](const char* name) -> std::optional<int> {
-        const QJsonValue value = object[QLatin1String(name)];
-        return value.isDouble() ? std::optional(value.toInt()) : std::nullopt;
-    };
-    return {part("left"), part("top"), part("width"), part("height")};
-}
-
-}  // namespace
-
-void EditorView::dispatchPlacement(qint64 node, const QString& json) {
-    post([this, node, placement = placementOf(json)] {
-        dom::Node* object = projection_ ? projection_->nodeOfView(node) : nullptr;
-        if (object && events.placed) events.placed(*object, placement);
-    });
-}
+// --- Objects and cells --------------------------------------------------------------------------
 
 std::optional<Placement> EditorView::FreePlaceOf(const dom::Node& element) {
     Flush();
@@ -554,7 +464,7 @@ std::optional<Placement> EditorView::FreePlaceOf(const dom::Node& element) {
     const int token = ++lastToken_;
     run(QStringLiteral("pw.freePlace(%1,%2)").arg(token).arg(projection_->viewId(&element)));
     if (!waitFor([&] { return placeToken_ >= token; })) return std::nullopt;
-    const Placement place = placementOf(freePlace_);
+    const Placement place = EventRelay::placementOf(freePlace_);
     return place.left && place.top ? std::optional(place) : std::nullopt;
 }
 
@@ -619,6 +529,11 @@ bool EditorView::Capture(const std::string& path) {
     if (life_ == Life::Alive) Flush();
     const QPixmap picture = view_->grab();
     return !picture.isNull() && picture.save(QString::fromStdString(ToNativePath(path)), "JPG", 90);
+}
+
+EditorParts makeEditor(QWidget* parent) {
+    auto* view = new EditorView(parent);
+    return {view, view};
 }
 
 }  // namespace pw

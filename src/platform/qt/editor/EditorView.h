@@ -11,7 +11,9 @@
 
 #include "platform/EditorSurface.h"
 #include "platform/dom/Projection.h"
+#include "platform/qt/EditorFactory.h"
 #include "platform/qt/editor/EditorPage.h"
+#include "platform/qt/editor/EventRelay.h"
 #include "platform/qt/editor/PageZoom.h"
 
 namespace pw {
@@ -67,13 +69,6 @@ class EditorView : public QWidget, public EditorSurface {
     void rendererDied();
     void giveUp();
     void endRenderer();
-    void dispatchMouse(const QString& what, qint64 node);
-    void dispatchKey(int code, bool alt, bool control, bool shift);
-    void dispatchCommand(const QString& name);
-    void dispatchPlacement(qint64 node, const QString& json);
-    void reportChanged();
-    /** Runs an event of the surface when the browser's own work is done: its handlers may wait. */
-    void post(std::function<void()> event);
     void run(const QString& script);
     void configure();
     /** Lets events through, the user's excepted, until it holds or the view is gone. */
@@ -85,6 +80,7 @@ class EditorView : public QWidget, public EditorSurface {
     PageZoom zoom_;
     QWebChannel channel_;
     EditorBridge* bridge_;
+    EventRelay relay_;
     dom::Document* document_ = nullptr;
     std::unique_ptr<dom::Projection> projection_;
     QString baseUrl_;
@@ -104,7 +100,6 @@ class EditorView : public QWidget, public EditorSurface {
     int keysSeen_ = 0;
     bool untouched_ = false;  ///< since its load: neither the user nor a script was at it
     bool sendPosted_ = false;
-    bool changedPosted_ = false;
     QTimer loadTimer_;  ///< runs until the skeleton reports itself
     int loadTicks_ = 0;
     bool skeletonAnswers_ = false;
@@ -118,5 +113,8 @@ class EditorView : public QWidget, public EditorSurface {
     bool tags_ = false;
     bool snap_ = false;
 };
+
+/** The factory of editors (EditorFactory) with a real browser view. */
+EditorParts makeEditor(QWidget* parent);
 
 }  // namespace pw
