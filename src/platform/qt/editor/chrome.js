@@ -124,7 +124,7 @@
     return [Math.round(box.left), Math.round(box.width)];
   });
   pw.listeners.changed.push(() => {
-    asked = null;
+    if (asked && !isOnItsWay()) asked = null;
     if (pw.control() || cells.length) frameLater();
   });
   pw.listeners.shown.push(() => {
@@ -145,10 +145,27 @@
 
   // --- Resizing and moving ----------------------------------------------------------------------
 
+  const same = (a, b) => Object.keys(a).every(side => a[side] === b[side]);
+  // What the page has in place of a placement that was asked.
+  function present(object, placement) {
+    const style = getComputedStyle(object), now = {};
+    for (const side of Object.keys(placement)) now[side] = Math.round(parseFloat(style[side])) || 0;
+    return now;
+  }
+
+  // Keys can come faster than the program answers: the page then has what was asked before.
+  function isOnItsWay() {
+    if (!asked.object.isConnected) return false;
+    const now = present(asked.object, asked.placement);
+    return !same(asked.placement, now) && asked.before.some(past => same(now, past));
+  }
+
   // The program changes the page: it knows how the style is written.
   function place(object, box, placement) {
     pw.flush();
-    asked = {object, box, placement};
+    const before = asked && asked.object === object ? [...asked.before, asked.placement]
+                                                    : [present(object, placement)];
+    asked = {object, box, placement, before};
     showFrame();
     pw.call('placed', object.pwId, JSON.stringify(placement));
   }
