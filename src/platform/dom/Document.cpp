@@ -1,6 +1,7 @@
 #include "platform/dom/Document.h"
 
 #include <algorithm>
+#include <exception>
 #include <stdexcept>
 
 #include "platform/Text.h"
@@ -317,11 +318,17 @@ void Document::replaceText(Node& node, std::size_t offset, std::size_t removed,
 
 // --- History ------------------------------------------------------------------------------------
 
-Document::Step::Step(Document& document, StepKind kind) : document_(document) {
-    document_.impl_->history.beginStep(kind);
-}
+Document::Step::Step(Document& document, StepKind kind)
+    : document_(document),
+      before_(document.selection_),
+      begin_(document.impl_->history.beginStep(kind)),
+      exceptions_(std::uncaught_exceptions()) {}
 Document::Step::~Step() {
+    if (std::uncaught_exceptions() > exceptions_) rollBack();
     document_.impl_->history.endStep();
+}
+void Document::Step::rollBack() {
+    document_.impl_->history.rollBack(begin_, before_);
 }
 
 bool Document::canUndo() const {
@@ -335,6 +342,9 @@ bool Document::undo() {
 }
 bool Document::redo() {
     return impl_->history.redo();
+}
+void Document::setUpkeep(std::function<void(Document&)> upkeep) {
+    impl_->history.setUpkeep(std::move(upkeep));
 }
 void Document::sealStep() {
     impl_->history.seal();

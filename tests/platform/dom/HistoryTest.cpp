@@ -1,6 +1,7 @@
 #include "platform/dom/Document.h"
 
 #include <random>
+#include <stdexcept>
 
 #include "support/MarkupSelection.h"
 
@@ -334,6 +335,129 @@ INSTANTIATE_TEST_SUITE_P(
         "\r\n<p>d<ul><li>e<li>f</ul><table><tr><td>g<td>h</table></body>\r\n</html>\r\n",
         "<p><b>1<p>2<i>3</b>4</i>5<table>x<tr><td>6</table></p>7<font color=red>8<div>9",
         "<table>a<tr>b<td>c</td>d</tr><b>e</table>f<svg><g/><a/></svg>g</p>h</body>\ni"));
+
+TEST_F(HistoryTest, ARolledBackStepNeverWas) {
+    struct Row {
+        const char* name;
+        std::function<void(Document&)> edit;
+    };
+    const std::vector<Row> rows = {
+        {"attribute", [](Document& d) { d.setAttribute(*d.body()->firstChild(), "class", "x"); }},
+        {"text", [](Document& d) { d.setText(*d.body()->firstChild()->firstChild(), "other"); }},
+        {"nodes", [](Document& d) { d.setInnerHTML(*d.body(), "<h1>x</h1>"); }},
+        {"source", [](Document& d) { EXPECT_TRUE(d.setHtml("<!doctype html><p>x")); }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        open("<p>^a|b</p>");
+        page->setAttribute(*page->body(), "class", "y");
+        page->undo();
+        page->markClean();
+        const std::string before = page->html();
+        {
+            Document::Step step(*page);
+            row.edit(*page);
+            step.rollBack();
+            EXPECT_EQ(page->html(), before);
+        }
+        EXPECT_EQ(stateOf(*page), "<p>^a|b</p> redo");
+        EXPECT_FALSE(page->isDirty());
+        EXPECT_THROW(
+            {
+                const Document::Step step(*page);
+                row.edit(*page);
+                throw std::runtime_error("refused");
+            },
+            std::runtime_error);
+        EXPECT_EQ(page->html(), before);
+        EXPECT_EQ(stateOf(*page), "<p>^a|b</p> redo");
+    }
+}
+
+TEST_F(HistoryTest, APartOfAStepIsRolledBackAlone) {
+    open("<p>a|</p>");
+    {
+        Document::Step step(*page);
+        page->setAttribute(*page->body()->firstChild(), "class", "x");
+        {
+            Document::Step inner(*page);
+            page->removeNode(*page->body()->firstChild());
+            inner.rollBack();
+        }
+        page->setAttribute(*page->body()->firstChild(), "id", "y");
+    }
+    EXPECT_EQ(stateOf(*page), "<p class=\"x\" id=\"y\">a|</p> undo");
+    EXPECT_EQ(undo(), "<p>a|</p> redo");
+}
+
+/** A project whose address of a page changes while a page with links to it is open. */
+class UpkeepTest : public HistoryTest {
+  protected:
+    void openLink() {
+        open("<a href=\"old\">x|</a>");
+        page->setUpkeep([this](Document& document) { follow(document); });
+    }
+    void follow(Document& document) const {
+        for (Node* link : document.links())
+            if (link->getAttribute("href") == "old" && address == "new")
+                document.setAttribute(*link, "href", "new");
+    }
+    void rename() {
+        address = "new";
+        const Document::Step step(*page, StepKind::Upkeep);
+        follow(*page);
+    }
+    std::string address = "old";
+};
+
+TEST_F(UpkeepTest, IsNoStepOfTheUser) {
+    openLink();
+    rename();
+    EXPECT_EQ(stateOf(*page), "<a href=\"new\">x|</a>");
+    EXPECT_TRUE(page->isDirty());
+}
+
+TEST_F(UpkeepTest, StaysUnderUndoAndRedo) {
+    openLink();
+    type(*page, "1");
+    page->sealStep();
+    type(*page, "2");
+    rename();
+    type(*page, "3");
+    EXPECT_EQ(undo(), "<a href=\"new\">x12|</a> undo redo");
+    EXPECT_EQ(undo(), "<a href=\"new\">x1|</a> undo redo");
+    EXPECT_EQ(undo(), "<a href=\"new\">x|</a> redo");
+    EXPECT_EQ(redo(), "<a href=\"new\">x1|</a> undo redo");
+    EXPECT_EQ(redo(), "<a href=\"new\">x12|</a> undo redo");
+    EXPECT_EQ(redo(), "<a href=\"new\">x123|</a> undo");
+}
+
+TEST_F(UpkeepTest, ReachesWhatUndoAndRedoBringBack) {
+    openLink();
+    Node* link = page->body()->firstChild();
+    page->removeNode(*link);
+    rename();
+    EXPECT_EQ(undo().substr(0, 14), "<a href=\"new\">") << "a link that was gone at the rename";
+    page->redo();
+    EXPECT_EQ(page->html().find("href"), std::string::npos);
+    page->undo();
+    type(*page, "1");
+    EXPECT_EQ(undo().substr(0, 14), "<a href=\"new\">");
+    EXPECT_FALSE(page->canUndo());
+}
+
+TEST_F(UpkeepTest, BetweenUndoAndRedo) {
+    openLink();
+    type(*page, "1");
+    page->undo();
+    rename();
+    EXPECT_EQ(redo(), "<a href=\"new\">x1|</a> undo");
+    EXPECT_EQ(undo(), "<a href=\"new\">x|</a> redo");
+    type(*page, "2");
+    EXPECT_EQ(stateOf(*page), "<a href=\"new\">x2|</a> undo");
+    EXPECT_EQ(undo(), "<a href=\"new\">x|</a> redo");
+    EXPECT_EQ(redo(), "<a href=\"new\">x2|</a> undo");
+}
 
 }  // namespace
 }  // namespace pw::dom
