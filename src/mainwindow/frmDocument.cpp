@@ -14,6 +14,7 @@
 #include "mainwindow/frmMDIMain.h"
 #include "platform/Text.h"
 #include "project/Attachments.h"
+#include "project/EditPage.h"
 #include "project/FramesetMask.h"
 #include "project/Lifecycle.h"
 #include "project/PageCleaning.h"
@@ -66,6 +67,9 @@ frmDocument::frmDocument(MainContext& context, std::string key)
       docBrowser(context.frame.files, context.frame.loop),
       context_(context),
       key_(std::move(key)) {
+    docDHTMLEditor.Upkeep = [this](dom::Document& document) {
+        BringUpToDate(context_.project, key_, document);
+    };
     ConnectSurface();
     ConnectPageDrops(context, *this);
     ApplyGrid();
@@ -224,10 +228,14 @@ bool frmDocument::SetHTML(const std::string& html) {
     if (!docDHTMLEditor.SetDocumentHTML(html)) return false;
     docDHTMLEditor.SetBaseURL(base);
     WaitUntilReady();
+    ShowChanges();
+    return true;
+}
+
+void frmDocument::ShowChanges() {
     MarkChanges();
     if (state_ == View::Html) ToHtml();
     if (state_ == View::Preview) ToPreview();
-    return true;
 }
 
 bool frmDocument::IsDirty() {
@@ -238,12 +246,13 @@ void frmDocument::MarkClean() {
     docDHTMLEditor.MarkClean();
 }
 
-void frmDocument::TakeOverEdits() {
+bool frmDocument::TakeOverEdits() {
     WaitUntilReady();
-    if (state_ != View::Html || !sourceTyped_) return;
-    if (TakeOverSource() == Outcome::Refused) return;
+    if (state_ != View::Html || !sourceTyped_) return true;
+    if (TakeOverSource() == Outcome::Refused) return false;
     AdoptTitle();
     sourceTyped_ = false;
+    return true;
 }
 
 frmDocument::Outcome frmDocument::TakeOverSource() {

@@ -36,7 +36,8 @@ class frmDocument : public OpenPage {
     const std::string& PageKey() const override { return key_; }
     int CurrentViewState() const override { return int(state_); }
     void SetToNormalEditMode() override;
-    void TakeOverEdits() override;
+    bool TakeOverEdits() override;
+    void ShowChanges() override;
     dom::Document& Document() override { return docDHTMLEditor.DOM(); }
     std::string UpdateHTML() override;
     bool SetHTML(const std::string& html) override;

@@ -7,6 +7,7 @@
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "platform/dom/TextRange.h"
+#include "project/EditPage.h"
 #include "project/FramesetMask.h"
 #include "project/Paths.h"
 #include "project/References.h"
@@ -55,13 +56,6 @@ ProjectItem Descend(const ProjectContext& context, const ProjectItem& parent, bo
             break;
     }
     return child;
-}
-
-std::unique_ptr<dom::Document> ParsePageFile(const ProjectContext& context,
-                                             const std::string& path) {
-    std::string bytes;
-    if (context.frame.files.Read(path, bytes) != FileError::None) return nullptr;
-    return dom::Document::parse(bytes);
 }
 
 void CloseWindowOf(ProjectContext& context, const std::string& key) {
@@ -272,23 +266,14 @@ bool InsertHTMLAtBottom(ProjectContext& context, std::string_view key, std::stri
     return Trap(context.frame.errorLog, "UIFunctions.", "InsertHTMLAtBottom", false, [&] {
         Page* page = GetPage(context, key);
         if (!page) return false;
-        OpenPage* open = context.workspace.FindOpenPage(page->Key());
-        std::unique_ptr<dom::Document> closed;
-        if (open) {
-            open->TakeOverEdits();
-        } else {
-            closed = ParsePageFile(context, page->Filename);
-        }
-        dom::Document* document = open ? &open->Document() : closed.get();
-        if (!document || !document->body()) return false;
-        {
-            const dom::Document::Step step(*document);
-            document->insertAdjacentHTML(*document->body(), "beforeEnd", html);
-        }
-        context.project.IsDirty = true;
-        page->IsDirty = true;
-        if (open) return SavePageFile(context, *page);
-        return context.frame.files.Write(page->Filename, document->bytes()) == FileError::None;
+        const auto edited =
+            EditPage(context, *page, PageStep::OfTheUser, [&](dom::Document& document) {
+                if (!document.body()) throw Failure("it has no body");
+                document.insertAdjacentHTML(*document.body(), "beforeEnd", html);
+            });
+        if (!edited || !*edited) return false;
+        const bool isOpen = context.workspace.FindOpenPage(page->Key()) != nullptr;
+        return !isOpen || SavePageFile(context, *page);
     });
 }
 

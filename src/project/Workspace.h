@@ -27,8 +27,12 @@ class OpenPage {
     /** A ViewState. */
     virtual int CurrentViewState() const = 0;
     virtual void SetToNormalEditMode() = 0;
-    /** Takes over what the user did in whichever view is up, and waits until nothing is due. */
-    virtual void TakeOverEdits() = 0;
+    /** Takes over what the user did in whichever view is up, and waits until nothing is due. False
+     *  when the source view holds text that can't be a page: the document is then the page as it was
+     *  before that text, and must not be taken for what the user sees. */
+    virtual bool TakeOverEdits() = 0;
+    /** The document was changed from outside: a view that shows a copy of it shows it anew. */
+    virtual void ShowChanges() = 0;
     virtual dom::Document& Document() = 0;
     /** The cleaned text of the page, as it goes to a file; a masked frameset is still masked. */
     virtual std::string UpdateHTML() = 0;

@@ -21,7 +21,11 @@ class TestOpenPage : public OpenPage {
     const std::string& PageKey() const override { return key; }
     int CurrentViewState() const override { return viewState; }
     void SetToNormalEditMode() override { viewState = 1; }
-    void TakeOverEdits() override { ++takeOvers; }
+    bool TakeOverEdits() override {
+        ++takeOvers;
+        return true;
+    }
+    void ShowChanges() override {}
     dom::Document& Document() override { return *document; }
     std::string UpdateHTML() override { return document->html(); }
     bool SetHTML(const std::string& html) override { return document->setHtml(html); }

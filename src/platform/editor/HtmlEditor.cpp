@@ -121,6 +121,9 @@ void HtmlEditor::ReplaceDocument(std::unique_ptr<dom::Document> document) {
     document_->removeObserver(watcher_.get());
     std::swap(document_, document);
     document_->addObserver(watcher_.get());
+    document_->setUpkeep([this](dom::Document& page) {
+        if (Upkeep) Upkeep(page);
+    });
     lastError_.clear();
     if (DocumentReplaced) DocumentReplaced();
     if (surface_) {

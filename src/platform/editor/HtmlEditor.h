@@ -150,6 +150,8 @@ class HtmlEditor {
     std::function<void(const std::string& png)> PictureBrought;
     /** What becomes of references in pasted markup that mean something on this machine. */
     AddressAdopter ForeignAddresses;
+    /** Brings what an undo or redo has brought back up to date; see dom::Document::setUpkeep. */
+    std::function<void(dom::Document&)> Upkeep;
     // Told at once, in the midst of edits: the handlers take note and do nothing else.
     std::function<void(const dom::Change&)> PrimitiveApplied;
     std::function<void()> DocumentReplaced;  ///< by another one, or from its root on
