@@ -6,6 +6,7 @@
 #include <QTextStream>
 #include <QTimer>
 
+#include <csignal>
 #include <memory>
 
 #include "frame/FunctionLibrary.h"
@@ -139,6 +140,8 @@ int run(QApplication& application, const Arguments& arguments) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // A limit on the size of files comes as the error of a call as well, which is told.
+    std::signal(SIGXFSZ, SIG_IGN);
     // The browser engine refuses to start its sandbox as root.
     if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
     QApplication application(argc, argv);

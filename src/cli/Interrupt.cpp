@@ -22,7 +22,9 @@ void WatchForInterrupts() {
     note.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})
         sigaction(signal, &note, nullptr);
+    // What these tell comes as the error of a call as well, and there it can be told to the user.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
 }
 
 bool IsInterrupted() {

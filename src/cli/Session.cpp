@@ -57,7 +57,8 @@ Session::Session(const std::string& profile)
     project_ = std::make_unique<pw::Project>(*files_);
     project_->Initialize(kAccessCode, frame_->version.major, frame_->version.minor);
     project_->ProjectProgressChanged = [](int value) {
-        ThrowIfInterrupted();
+        // At the end everything is written: too late to say that nothing was changed.
+        if (value < 100) ThrowIfInterrupted();
         ShowProgress("Project", value, 100);
     };
     project_->LogMessage = [](const std::string&, const std::string& text) {

@@ -164,10 +164,12 @@ void Program::ShowStatus(const std::string& text) {
 void Program::RemoveWorkingFolders() {
     // The user was asked about unsaved changes before: what is left here is given up.
     window_->CloseAllPages(true);
-    JournalClear(window_->ProjectState());
-    pw::ClearWorkingFolders(frame_, ScratchFolders::Remove);
-    if (run_ && run_->Remove() != FileError::None)
-        throw Failure("The folder for temporary files can not be removed.");
+    // The scratch folders lie in the run folder, which goes as one. Where it will not, they are
+    // emptied only if no journal names what is in them.
+    const bool forgotten = JournalClear(window_->ProjectState());
+    if (!run_ || run_->Remove() == FileError::None) return;
+    if (forgotten) pw::ClearWorkingFolders(frame_, ScratchFolders::Remove);
+    throw Failure("The folder for temporary files can not be removed.");
 }
 
 void Program::HideMainWindow() {

@@ -15,7 +15,7 @@ std::string Describe(FileError error) {
         case FileError::NoPermission:
             return "you have no permission for it";
         case FileError::NoSpace:
-            return "the disk is full";
+            return "there is no room for it on the disk";
         case FileError::ReadOnlyDisk:
             return "the disk is write-protected";
         case FileError::IsFolder:

@@ -123,8 +123,9 @@ std::set<std::string> PagesLikelyChanged(ProjectContext& context) {
 
 void JournalTick(ProjectContext& context) {
     const double now = context.frame.clock.MonotonicSeconds();
-    if (!context.project.IsLoaded || context.project.Busy() || context.frame.runFolder.empty() ||
-        context.frame.dialogs.IsModalOpen() || now < context.journal.pausedUntil)
+    if (!context.journal.running || !context.project.IsLoaded || context.project.Busy() ||
+        context.frame.runFolder.empty() || context.frame.dialogs.IsModalOpen() ||
+        now < context.journal.pausedUntil)
         return;
     const bool written = Trap(context.frame.errorLog, kModule, "JournalTick", false, [&] {
         WriteEditedPages(context);
@@ -147,6 +148,7 @@ void JournalFilesMoved(ProjectContext& context) {
 
 void JournalOpened(ProjectContext& context) {
     context.journal = {};
+    context.journal.running = true;
     context.journal.fileStamp =
         StampOf(context.frame.files, context.frame.settings.ProjectFilename);
 }
@@ -177,11 +179,20 @@ void JournalSaved(ProjectContext& context) {
     });
 }
 
-void JournalClear(ProjectContext& context) {
+bool JournalClear(ProjectContext& context) {
     context.journal = {};
-    if (context.frame.runFolder.empty()) return;
-    DeleteFile(context.frame.files, JournalRecordPath(context.frame.runFolder));
+    if (context.frame.runFolder.empty()) return true;
+    // Without the record there is nothing to recover, whatever else remains.
+    const std::string record = JournalRecordPath(context.frame.runFolder);
+    const FileError error = context.frame.files.RemoveFile(record);
+    const bool removed =
+        error == FileError::None || error == FileError::NotFound || error == FileError::NotFolder;
+    if (!removed) {
+        const std::string text = record + ": " + Describe(error);
+        context.frame.errorLog.LogError(text, Failure(text), kModule, "JournalClear");
+    }
     DeleteFolder(context.frame.files, JournalFolder(context.frame.runFolder));
+    return removed;
 }
 
 bool IsFileBehind(ProjectContext& context, OpenPage& page) {

@@ -18,7 +18,7 @@ class OpenPage;
  *  nothing changed, and does nothing while a dialog is up. */
 void JournalTick(ProjectContext& context);
 
-/** The project was made, loaded or recovered. */
+/** The project was made, loaded or recovered; from now on there is something to write down. */
 void JournalOpened(ProjectContext& context);
 /** Files of pages have got other names: a journal that stands follows at once, also while a dialog
  *  is up, since a recovery goes by the names. */
@@ -27,8 +27,9 @@ void JournalFilesMoved(ProjectContext& context);
 void JournalBeforeSave(ProjectContext& context, const std::string& file);
 /** Everything is in the project file now. */
 void JournalSaved(ProjectContext& context);
-/** The project is given up. */
-void JournalClear(ProjectContext& context);
+/** The project is given up: the journal goes, and nothing is written to it until another project
+ *  is opened. False when it could not be removed. */
+bool JournalClear(ProjectContext& context);
 
 /** True when the page's file holds an older text than its document, dirty or not: an undo can take
  *  a page back behind what the journal has written. */

@@ -39,6 +39,7 @@ struct JournalState {
         double waitingSince = 0;  ///< 0 when nothing waits
         double takenOverAt = 0;   ///< when the source view was last asked
     };
+    bool running = false;  ///< a project is open and was not given up
     std::map<std::string, OpenPageMark> openPages;
     std::set<std::string> editedPages;  ///< keys, since the last save
     TreeWatch tree;                     ///< as it stands in the journal

@@ -26,12 +26,13 @@ void ListenTo(ProjectContext& context) {
     };
 }
 
-/** Nothing is open any more: no file name, no lock, no journal, no page. */
-void ForgetProject(ProjectContext& context) {
+/** Nothing is open any more: no file name, no lock, no page, no journal. False when the journal
+ *  stands all the same: then the files that it names have to stay as well. */
+bool ForgetProject(ProjectContext& context) {
     context.frame.settings.ProjectFilename.clear();
     context.copiedPage = {};
     ReleaseProjectLock(context);
-    JournalClear(context);
+    return JournalClear(context);
 }
 
 void Tell(ProjectContext& context, Silent silent, const std::string& text) {
@@ -69,7 +70,7 @@ std::string LoadProject(ProjectContext& context, const std::string& file) {
     Project& project = context.project;
     context.workspace.CloseAllPages(true);
     context.workspace.ResetForNewProject();
-    ForgetProject(context);
+    const bool forgotten = ForgetProject(context);
     project.IsLoaded = false;
     const auto fail = [&](const std::string& reason) {
         project.Clear();
@@ -78,7 +79,8 @@ std::string LoadProject(ProjectContext& context, const std::string& file) {
         context.workspace.ResetUI();
         return reason;
     };
-    if (!ClearWorkingFolders(frame, ScratchFolders::Keep) || !CreateWorkingFolders(frame))
+    if (!forgotten || !ClearWorkingFolders(frame, ScratchFolders::Keep) ||
+        !CreateWorkingFolders(frame))
         return fail("The program's temporary folder " + frame.runFolder + " can not be used.");
 
     project.Clear();
@@ -143,7 +145,10 @@ bool OpenExisting(ProjectContext& context, const std::string& path, Silent silen
     std::string holder;
     auto lock = LockProjectFile(context, path, holder);
     std::string reason = lock.granted ? CheckHeader(context, path) : holder;
-    if (reason.empty()) reason = LoadProject(context, path);
+    if (reason.empty()) {
+        TakeOverProjectLock(context, lock);
+        reason = LoadProject(context, path);
+    }
     if (!reason.empty()) {
         const std::string text = "Project " + QuoteSingle(GetFileName(path)) +
                                  " can not be opened.\n\nPlease try again.\n\n" + reason;
@@ -168,11 +173,12 @@ void InitNewProject(ProjectContext& context) {
         project.IsLoaded = false;
         context.workspace.CloseAllPages(true);
         context.workspace.ResetForNewProject();
+        // The journal goes before the files: what is given up is not to be recovered in part.
+        static_cast<void>(ForgetProject(context));
         DeleteProjectFiles(context.frame, project);
         project.Clear();
         ListenTo(context);
         InitProjectProperties(context);
-        ForgetProject(context);
         if (WebSite* site = project.WebSites().Add()) {
             site->Name = "Web Site";
             site->Expanded = true;

@@ -25,8 +25,8 @@ ProjectFileLock LockProjectFile(ProjectContext& context, const std::string& file
         return lock;
     }
     LockHolder holder;
-    const LockOutcome outcome =
-        ProjectLock::Acquire(file, frame.places.lockFolder, lock.fresh, &holder);
+    const LockOutcome outcome = ProjectLock::Acquire(file, frame.places.lockFolder, lock.fresh,
+                                                     &holder, context.lock.get());
     // Where no lock can be made, a user without a writable home still gets at the projects.
     lock.granted = outcome != LockOutcome::Held;
     if (!lock.granted)
@@ -34,8 +34,17 @@ ProjectFileLock LockProjectFile(ProjectContext& context, const std::string& file
     return lock;
 }
 
+void TakeOverProjectLock(ProjectContext& context, ProjectFileLock& lock) {
+    if (!lock.granted || !context.lock) return;
+    if (lock.file == context.lockedFile)
+        lock.fresh = std::move(context.lock);
+    else if (lock.fresh)
+        lock.fresh->TakeOver(*context.lock);
+}
+
 void KeepProjectLock(ProjectContext& context, ProjectFileLock lock) {
     if (lock.file != context.lockedFile) {
+        TakeOverProjectLock(context, lock);
         context.lock = std::move(lock.fresh);
         context.lockedFile = std::move(lock.file);
     }

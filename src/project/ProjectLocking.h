@@ -16,6 +16,9 @@ struct ProjectFileLock {
 /** Tries to lock a project file, which need not exist. Refused, `reason` names who holds it. */
 ProjectFileLock LockProjectFile(ProjectContext& context, const std::string& file,
                                 std::string& reason);
+/** To be called before the open project is given up for the one that is locked: when both are the
+ *  same file, by whatever name, what the context holds is not let go in between. */
+void TakeOverProjectLock(ProjectContext& context, ProjectFileLock& lock);
 /** Makes it the lock of the open project, in place of the former one. */
 void KeepProjectLock(ProjectContext& context, ProjectFileLock lock);
 void ReleaseProjectLock(ProjectContext& context);

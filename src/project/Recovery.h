@@ -23,7 +23,9 @@ struct RecoverableProject {
 std::vector<RecoverableProject> FindRecoverable(const FrameContext& frame);
 
 /**
- * Makes it the open project, with unsaved changes, under its old file name. `run` is this program's
+ * Makes it the open project, with unsaved changes, under its old file name. Of a page or file that
+ * is gone the saved project's is taken, and what came of it is told by name; only when none of the
+ * pages is there, the saved project itself is opened. `run` is this program's
  * run folder, which must hold nothing worth keeping: it is removed and becomes the crashed one.
  * False, with a message and everything left for another time, when its file is open in another
  * program or the journal can't be read. Where the project file was changed since the crash, or is

@@ -277,6 +277,61 @@ TEST(OpenProject, RefusesAFileThatAnotherProgramHasOpen) {
         ::close(end);
 }
 
+TEST(OpenProject, KeepsTheLockOfAProjectThatIsOpenAlready) {
+    enum class Opens { Yes, NotAny };
+    struct Row {
+        const char* name;
+        std::function<std::string(TestProject&, const std::string& path)> again;
+        Opens opens;
+    };
+    for (const Row& row :
+         {Row{"by its path", [](TestProject&, const std::string&path) { return path; }, Opens::Yes},
+          Row{"by a link to it",
+              [](TestProject&test, const std::string&) {
+                  std::filesystem::create_symlink("one.pwp", test.folder.Native("link.pwp"));
+                  return test.folder.Path("link.pwp");
+              },
+              Opens::Yes},
+          Row{"by a second name of the file",
+              [](TestProject&test, const std::string&) {
+                  std::filesystem::create_hard_link(test.folder.Native("one.pwp"),
+                                                    test.folder.Native("second.pwp"));
+                  return test.folder.Path("second.pwp");
+              },
+              Opens::Yes},
+          Row{"but it was damaged meanwhile",
+              [](TestProject&test, const std::string&path) {
+                  test.folder.Put("one.pwp", "no project any more");
+                  return path;
+              },
+              Opens::NotAny},
+          Row{"but another was wanted, which can't be opened",
+              [](TestProject&test, const std::string&) {
+                  return test.folder.Put("bad.pwp", "no project");
+              },
+              Opens::NotAny}}) {
+        SCOPED_TRACE(row.name);
+        TestProject test;
+        test.Insert("one");
+        const std::string path = test.SaveAs("one.pwp");
+        const std::string again = row.again(test, path);
+        EXPECT_EQ(OpenProject(test.context, again, Silent::Yes), row.opens == Opens::Yes);
+        EXPECT_EQ(OpenProject(test.context, again, Silent::Yes), row.opens == Opens::Yes);
+        const std::string open = test.frame.settings.ProjectFilename;
+        EXPECT_EQ(open, row.opens == Opens::Yes ? again : path);
+        for (const std::string& name : {path, open}) {
+            std::unique_ptr<ProjectLock> other;
+            EXPECT_EQ(ProjectLock::Acquire(name, test.frame.places.lockFolder, other),
+                      LockOutcome::Held)
+                << name;
+        }
+        InitNewProject(test.context);
+        std::unique_ptr<ProjectLock> other;
+        EXPECT_EQ(ProjectLock::Acquire(path, test.frame.places.lockFolder, other),
+                  LockOutcome::Locked);
+    }
+}
+
 TEST(OpenProject, ReopensTheFirstPageOfTheTopLevelOnly) {
     struct Row {
         const char* name;

@@ -146,16 +146,119 @@ TEST(Recovery, NeverSavesOverAFileThatChangedSince) {
     EXPECT_EQ(test.frame.settings.ProjectFilename, "");
 }
 
-TEST(Recovery, LeavesOutAPageWhoseFileIsGone) {
+TEST(Recovery, TakesWhatIsGoneFromTheSavedProjectAndNamesIt) {
+    enum class Saved { Never, Before };
+    struct Row {
+        const char* name;
+        Saved saved;
+        std::vector<std::string> gone;  ///< below the preview folder
+        int pages;                      ///< 0: the saved project is opened
+        std::vector<const char*> told;
+    };
+    for (const Row& row :
+         {Row{"a page, never saved",
+              Saved::Never,
+              {"index.htm"},
+              2,
+              {"could not be recovered:\n\none (index.htm)"}},
+          Row{"a page that was saved",
+              Saved::Before,
+              {"index.htm"},
+              3,
+              {"taken from the saved project", "\none (index.htm)"}},
+          Row{"a picture that was saved",
+              Saved::Before,
+              {"media\\a.gif"},
+              3,
+              {"taken from the saved project", "\nmedia/a.gif"}},
+          Row{"one of each kind",
+              Saved::Before,
+              {"index.htm", "three.htm"},
+              2,
+              {"taken from", "\none (index.htm)", "could not be recovered:\n\nthree (three.htm)"}},
+          Row{"every page",
+              Saved::Before,
+              {"index.htm", "two.htm", "three.htm"},
+              0,
+              {"None of the pages of project 'Shop' is left", "as it was saved last"}},
+          Row{"every page, never saved",
+              Saved::Never,
+              {"index.htm", "two.htm", "three.htm"},
+              -1,
+              {"None of the pages", "it was never saved"}}}) {
+        SCOPED_TRACE(row.name);
+        RunningProject test;
+        test.project.Name = "Shop";
+        test.folder.Put("source\\a.gif", "GIF89a");
+        test.Insert("one", "<img src=a.gif>");
+        test.Insert("two");
+        const std::string file = row.saved == Saved::Before ? test.SaveAs("shop.pwp") : "";
+        test.project.FindPage("W0001P0002")->Title = "unsaved";
+        test.Insert("three");
+        test.Tick();
+        for (const std::string& name : row.gone) {
+            const std::string path = BuildPath(test.frame.settings.PreviewFolder, name);
+            ASSERT_EQ(test.files->RemoveFile(path), FileError::None) << name;
+        }
+        test.Crash();
+        const RecoverableProject lost = FindRecoverable(test.frame).at(0);
+        test.dialogs.ExpectMessage(Answer::Ok, row.told.front());
+        EXPECT_EQ(RecoverProject(test.context, test.run, lost), row.pages >= 0);
+        for (const char* text : row.told)
+            EXPECT_THAT(test.dialogs.Messages().back().text, testing::HasSubstr(text));
+        if (row.pages < 0) {
+            EXPECT_EQ(FindRecoverable(test.frame).size(), 1u) << "still there, to be thrown away";
+            continue;
+        }
+        EXPECT_EQ(test.project.PageCount(), row.pages ? row.pages : 2);
+        EXPECT_EQ(test.project.IsDirty, row.pages > 0);
+        EXPECT_EQ(test.frame.settings.ProjectFilename, file);
+        if (const Page* page = test.project.FindPage("W0001P0001")) {
+            EXPECT_THAT(test.Text(page->Filename), testing::HasSubstr("<img"));
+        }
+        EXPECT_EQ(test.Text(test.frame.settings.MediaFolder + "\\a.gif"), "GIF89a");
+        EXPECT_FALSE(test.files->Stat(BuildPath(test.run->Path(), "~pwsaved")).exists);
+        EXPECT_TRUE(FindRecoverable(test.frame).empty());
+        test.SaveAs("again.pwp");
+    }
+}
+
+TEST(Recovery, GivesBackNothingThatWasGivenUp) {
     RunningProject test;
-    Page* page = test.Insert("one");
-    test.Insert("two");
+    test.Insert("one");
+    test.project.IsDirty = true;
     test.Tick();
-    ASSERT_EQ(test.files->RemoveFile(page->Filename), FileError::None);
+    ASSERT_TRUE(FileExists(*test.files, JournalRecordPath(test.run->Path())));
+    // The answer was No: the clock goes on until the window is gone.
+    EXPECT_TRUE(JournalClear(test.context));
+    test.project.IsDirty = true;
+    test.Tick();
+    EXPECT_FALSE(FileExists(*test.files, JournalRecordPath(test.run->Path())));
+
+    // A journal that can not be removed keeps its files when another project is opened.
+    InitNewProject(test.context);
+    test.Insert("two");
+    const std::string file = test.SaveAs("two.pwp");
+    const std::string record = JournalRecordPath(test.run->Path());
+    ASSERT_TRUE(MakeFolder(*test.files, record)) << "no file that could be removed";
+    const std::string page = test.project.PageIndex().Item(1)->Item->Filename;
+    EXPECT_FALSE(OpenProject(test.context, file, Silent::Yes));
+    EXPECT_TRUE(FileExists(*test.files, page));
+}
+
+TEST(Recovery, DoesNotSweepARecordThatTheDiskFailsToRead) {
+    RunningProject test;
+    test.Insert("one");
+    test.Tick();
     test.Crash();
-    ASSERT_TRUE(RecoverProject(test.context, test.run, FindRecoverable(test.frame).at(0)));
-    EXPECT_EQ(test.project.PageCount(), 1);
-    test.SaveAs("one.pwp");
+    const std::string record = JournalRecordPath(test.lost);
+    const std::string text = test.Text(record);
+    ASSERT_EQ(test.files->RemoveFile(record), FileError::None);
+    ASSERT_TRUE(MakeFolder(*test.files, record)) << "a folder can not be read as a file";
+    SweepAbandonedRuns(test.frame);
+    ASSERT_EQ(test.files->RemoveFolder(record), FileError::None);
+    ASSERT_TRUE(WriteTextFile(*test.files, text, record));
+    EXPECT_EQ(FindRecoverable(test.frame).size(), 1u);
 }
 
 TEST(Recovery, KeepsWhatItCannotRecoverNow) {

@@ -5,6 +5,7 @@ namespace pw::test {
 
 extern const char* const kTestData;            ///< tests/data
 extern const char* const kCommandLineProgram;  ///< pagewick-cli
+extern const char* const kFaultyCalls;         ///< the library of tools/faults.cpp
 
 }  // namespace pw::test
 

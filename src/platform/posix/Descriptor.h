@@ -1,9 +1,19 @@
 #pragma once
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace pw {
+
+/** Makes a call of the system again for as long as a signal breaks into it. */
+template <class Call>
+auto Repeat(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR)
+        result = call();
+    return result;
+}
 
 /** Owns a file descriptor. */
 class Descriptor {
@@ -26,7 +36,8 @@ class Descriptor {
     /** False when the system reports that what was written did not reach the disk. */
     bool Close() {
         const int fd = std::exchange(fd_, -1);
-        return fd < 0 || ::close(fd) == 0;
+        // A signal does not keep it from being closed.
+        return fd < 0 || ::close(fd) == 0 || errno == EINTR;
     }
 
   private:

@@ -68,17 +68,18 @@ LockOutcome FileLock::Acquire(const std::string& native, LockFile atEnd,
                               std::unique_ptr<FileLock>& lock, LockHolder* holder) {
     // Whoever looks whether a lock is free, or sweeps, holds it for an instant: hence the patience.
     for (int attempt = 0; attempt < 20; ++attempt) {
-        Descriptor file(
-            ::open(native.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, mode_t(0600)));
+        Descriptor file(Repeat([&] {
+            return ::open(native.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, mode_t(0600));
+        }));
         if (!file) return LockOutcome::Failed;
-        if (::flock(file.Get(), LOCK_EX | LOCK_NB) == 0) {
+        if (Repeat([&] { return ::flock(file.Get(), LOCK_EX | LOCK_NB); }) == 0) {
             // The last holder may have removed the file between our opening and our locking.
             if (!StandsAt(file.Get(), native)) continue;
             WriteHolder(file.Get());
             lock.reset(new FileLock(native, atEnd, std::move(file)));
             return LockOutcome::Locked;
         }
-        if (errno != EWOULDBLOCK && errno != EINTR) return LockOutcome::Failed;
+        if (errno != EWOULDBLOCK) return LockOutcome::Failed;
         if (holder) *holder = ReadHolder(file.Get());
         ::usleep(1000);
     }
@@ -86,8 +87,10 @@ LockOutcome FileLock::Acquire(const std::string& native, LockFile atEnd,
 }
 
 bool FileLock::IsFree(const std::string& native) {
-    Descriptor file(::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW));
-    return !file || ::flock(file.Get(), LOCK_SH | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+    Descriptor file(
+        Repeat([&] { return ::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW); }));
+    return !file || Repeat([&] { return ::flock(file.Get(), LOCK_SH | LOCK_NB); }) == 0 ||
+           errno != EWOULDBLOCK;
 }
 
 FileLock::~FileLock() {

@@ -44,18 +44,26 @@ std::string NameOf(const std::string& native) {
     return native.substr(native.rfind('/') + 1);
 }
 
+Descriptor Open(const std::string& native, int flags) {
+    return Descriptor(
+        Repeat([&] { return ::open(native.c_str(), flags | O_CLOEXEC, mode_t(0666)); }));
+}
+
+int SyncOpen(const Descriptor& file) {
+    return Repeat([&] { return ::fsync(file.Get()); });
+}
+
 FileError SyncPath(const std::string& native) {
-    Descriptor file(::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    Descriptor file = Open(native, O_RDONLY | O_NONBLOCK);
     if (!file) return ErrorOf(errno);
     // Some disks know no sync of a folder; there it is not needed either.
-    if (::fsync(file.Get()) != 0 && errno != EINVAL) return ErrorOf(errno);
+    if (SyncOpen(file) != 0 && errno != EINVAL) return ErrorOf(errno);
     return FileError::None;
 }
 
 FileError WriteAll(int file, std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t put = ::write(file, bytes.data(), bytes.size());
-        if (put < 0 && errno == EINTR) continue;
+        const ssize_t put = Repeat([&] { return ::write(file, bytes.data(), bytes.size()); });
         if (put < 0) return ErrorOf(errno);
         bytes.remove_prefix(std::size_t(put));
     }
@@ -77,8 +85,7 @@ class Replacement {
         for (int attempt = 0; attempt < 100 && !file_; ++attempt) {
             name_ = folder + (folder == "/" ? "" : "/") + ".~pw" + std::to_string(::getpid()) +
                     "-" + std::to_string(counter++);
-            file_ = Descriptor(
-                ::open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode_t(0666)));
+            file_ = Open(name_, O_WRONLY | O_CREAT | O_EXCL);
             if (!file_ && errno != EEXIST) break;
         }
         if (!file_) {
@@ -98,7 +105,7 @@ class Replacement {
     void Adopt(mode_t mode) { ::fchmod(file_.Get(), mode); }
 
     FileError Place(Durability durability) {
-        if (durability == Durability::Synced && ::fsync(file_.Get()) != 0) return ErrorOf(errno);
+        if (durability == Durability::Synced && SyncOpen(file_) != 0) return ErrorOf(errno);
         if (!file_.Close()) return ErrorOf(errno);
         if (::rename(name_.c_str(), target_.c_str()) != 0) return ErrorOf(errno);
         placed_ = true;
@@ -134,7 +141,7 @@ class PosixFileSystem : public FileSystem {
         std::string native;
         if (!Translate(path, native)) return FileError::BadName;
         // Without O_NONBLOCK a pipe in a user's folder would hold the program up for ever.
-        Descriptor file(::open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        Descriptor file = Open(native, O_RDONLY | O_NONBLOCK);
         struct stat status;
         if (!file || ::fstat(file.Get(), &status) != 0) return ErrorOf(errno);
         if (S_ISDIR(status.st_mode)) return FileError::IsFolder;
@@ -142,8 +149,8 @@ class PosixFileSystem : public FileSystem {
         bytes.resize(std::size_t(status.st_size) + 1);  // the byte more finds the end in one read
         std::size_t done = 0;
         for (;;) {
-            const ssize_t got = ::read(file.Get(), bytes.data() + done, bytes.size() - done);
-            if (got < 0 && errno == EINTR) continue;
+            const ssize_t got = Repeat(
+                [&] { return ::read(file.Get(), bytes.data() + done, bytes.size() - done); });
             if (got < 0) {
                 const auto error = ErrorOf(errno);
                 bytes.clear();
@@ -170,8 +177,7 @@ class PosixFileSystem : public FileSystem {
     FileError Append(std::string_view path, std::string_view bytes) override {
         std::string native;
         if (!Translate(path, native)) return FileError::BadName;
-        Descriptor file(::open(
-            native.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK, mode_t(0666)));
+        Descriptor file = Open(native, O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK);
         if (!file) return ErrorOf(errno);
         const auto error = WriteAll(file.Get(), bytes);
         return !file.Close() && error == FileError::None ? ErrorOf(errno) : error;
@@ -284,8 +290,7 @@ class PosixFileSystem : public FileSystem {
 
   private:
     static FileError WriteInPlace(const std::string& native, std::string_view bytes) {
-        Descriptor file(::open(
-            native.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, mode_t(0666)));
+        Descriptor file = Open(native, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
         if (!file) return ErrorOf(errno);
         const auto error = WriteAll(file.Get(), bytes);
         return !file.Close() && error == FileError::None ? ErrorOf(errno) : error;

@@ -52,7 +52,8 @@ std::string ProjectLock::NameByFile() const {
 }
 
 LockOutcome ProjectLock::Acquire(const std::string& path, const std::string& lockFolder,
-                                 std::unique_ptr<ProjectLock>& lock, LockHolder* holder) {
+                                 std::unique_ptr<ProjectLock>& lock, LockHolder* holder,
+                                 const ProjectLock* mine) {
     std::error_code ignored;
     const std::string folder = ToNativePath(lockFolder);
     fs::create_directories(fs::path(folder).parent_path(), ignored);
@@ -64,7 +65,8 @@ LockOutcome ProjectLock::Acquire(const std::string& path, const std::string& loc
                                                   LockFile::RemoveAtEnd, made->byPath_, holder);
     if (outcome != LockOutcome::Locked) return outcome;
     made->fileName_ = made->NameByFile();
-    if (!made->fileName_.empty()) {
+    const bool isMine = mine && mine->byFile_ && mine->fileName_ == made->fileName_;
+    if (!made->fileName_.empty() && !isMine) {
         const LockOutcome byFile = FileLock::Acquire(folder + "/" + made->fileName_,
                                                      LockFile::RemoveAtEnd, made->byFile_, holder);
         if (byFile != LockOutcome::Locked) return byFile;
@@ -73,9 +75,15 @@ LockOutcome ProjectLock::Acquire(const std::string& path, const std::string& loc
     return LockOutcome::Locked;
 }
 
+void ProjectLock::TakeOver(ProjectLock& mine) {
+    if (byFile_ || mine.fileName_ != fileName_) return;
+    byFile_ = std::move(mine.byFile_);
+    mine.fileName_.clear();
+}
+
 bool ProjectLock::FollowFile() {
     const std::string name = NameByFile();
-    if (name.empty() || name == fileName_) return true;
+    if (name.empty() || (byFile_ && name == fileName_)) return true;
     std::unique_ptr<FileLock> next;
     if (FileLock::Acquire(folder_ + "/" + name, LockFile::RemoveAtEnd, next) == LockOutcome::Held)
         return false;

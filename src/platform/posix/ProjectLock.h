@@ -16,11 +16,18 @@ class ProjectLock {
   public:
     /**
      * `path` is the project file, which need not exist yet, and `lockFolder` the one of Places;
-     * both with backslashes. Held fills `holder`. Failed leaves `lock` empty: no lock can be made
-     * in that folder, and the caller may go on without.
+     * both with backslashes. A file that
+     * `mine` holds under another name is granted as well; see `TakeOver`. Held fills `holder`.
+     * Failed leaves `lock` empty: no lock can be made in that folder, and the caller may go on
+     * without.
      */
     static LockOutcome Acquire(const std::string& path, const std::string& lockFolder,
-                               std::unique_ptr<ProjectLock>& lock, LockHolder* holder = nullptr);
+                               std::unique_ptr<ProjectLock>& lock, LockHolder* holder = nullptr,
+                               const ProjectLock* mine = nullptr);
+
+    /** Of `mine`, a lock of this program that is about to be given up: what it holds on the same
+     *  file under another name is held by this one from now on. */
+    void TakeOver(ProjectLock& mine);
 
     /**
      * To be called when the file has come into being, or was replaced by another of the same name:

@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* kPrefix = "run-";
 constexpr const char* kUnfinishedPrefix = "new-";
+constexpr const char* kLeavingPrefix = "old-";
 constexpr const char* kLockName = "lock";
 
 std::string LockPath(const std::string& folder) {
@@ -40,6 +41,17 @@ std::unique_ptr<RunFolder> RunFolder::Create(FileSystem& files,
     lock->SetPath(native + "/" + kLockName);
     return std::unique_ptr<RunFolder>(
         new RunFolder(files, FromNativePath(native), std::move(lock)));
+}
+
+void RunFolder::SweepLeaving(FileSystem& files, const std::string& temporaryFolder) {
+    std::vector<FolderEntry> entries;
+    if (files.List(temporaryFolder, entries) != FileError::None) return;
+    for (const FolderEntry& entry : entries) {
+        const std::string folder = temporaryFolder + "\\" + entry.name;
+        if (entry.isFolder && entry.name.starts_with(kLeavingPrefix) &&
+            FileLock::IsFree(LockPath(folder)))
+            static_cast<void>(files.RemoveFolder(folder));
+    }
 }
 
 std::vector<AbandonedRun> RunFolder::FindAbandoned(const FileSystem& files,
@@ -74,7 +86,17 @@ FileError RunFolder::Discard(FileSystem& files, const std::string& folder) {
 }
 
 FileError RunFolder::Remove() {
-    const FileError error = files_.RemoveFolder(path_);
+    // From one moment to the next it is no run folder any more: a program that is killed while the
+    // files go leaves nothing that looks like a project to be recovered in part.
+    const std::size_t name = path_.rfind('\\') + 1;
+    const std::string leaving = path_.substr(0, name) + kLeavingPrefix + path_.substr(name);
+    FileError error = files_.Replace(path_, leaving);
+    if (error == FileError::None) {
+        lock_->SetPath(LockPath(leaving));
+        error = files_.RemoveFolder(leaving);
+        // Another program that starts may have swept it.
+        if (error == FileError::NotFound) error = FileError::None;
+    }
     lock_.reset();
     return error;
 }

@@ -24,6 +24,8 @@ class RunFolder {
     /** Newest first. */
     static std::vector<AbandonedRun> FindAbandoned(const FileSystem& files,
                                                    const std::string& temporaryFolder);
+    /** Removes what is left of folders whose removal was cut short. */
+    static void SweepLeaving(FileSystem& files, const std::string& temporaryFolder);
     /** Makes an abandoned folder this program's own. Null when another program was quicker. */
     static std::unique_ptr<RunFolder> TakeOver(FileSystem& files, const std::string& folder);
     /** Removes an abandoned folder; NoPermission when a program runs in it. */
@@ -33,7 +35,8 @@ class RunFolder {
     ~RunFolder() = default;
 
     const std::string& Path() const { return path_; }
-    /** At a regular end: removes it with all below it and unlocks. */
+    /** At a regular end: removes it with all below it and unlocks. It goes as one: where it can not
+     *  be put out of the way first, all of it stays. */
     [[nodiscard]] FileError Remove();
 
   private:

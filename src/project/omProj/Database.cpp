@@ -7,10 +7,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <map>
 
+#include "platform/Text.h"
+#include "platform/posix/Descriptor.h"
 #include "project/omProj/Format.h"
 
 namespace pw {
@@ -51,6 +54,43 @@ ProjectResult ResultOfCode(int code, int systemError) {
         default:
             return ProjectResult::Failed;
     }
+}
+
+/**
+ * The database library's own access to the disk, but blind to write-ahead logs. A project never has
+ * one; but the library would read any that lies beside the file, whatever its header says, and a
+ * stranger's would be taken for the newest state of the project.
+ */
+const char* DiskWithoutLogs() {
+    static constexpr const char* kName = "pagewick";
+    static sqlite3_vfs* base = nullptr;
+    static sqlite3_vfs blind = {};
+    sqlite3_vfs* current = sqlite3_vfs_find(nullptr);
+    if (base == current && blind.pAppData == current->pAppData) return kName;
+    if (base) sqlite3_vfs_unregister(&blind);
+    base = current;
+    blind = *base;
+    blind.pNext = nullptr;
+    blind.zName = kName;
+    blind.xAccess = [](sqlite3_vfs*, const char* name, int flags, int* out) {
+        if (!std::string_view(name).ends_with("-wal")) return base->xAccess(base, name, flags, out);
+        *out = 0;
+        return SQLITE_OK;
+    };
+    sqlite3_vfs_register(&blind, 0);
+    return kName;
+}
+
+/**
+ * The library takes a page that the disk failed to read for a damaged one. What it keeps of the
+ * last failed call tells the two apart.
+ */
+int ReadFailure(sqlite3* handle, int code) {
+    const int kind = code & 0xFF;
+    if (!handle || (kind != SQLITE_CORRUPT && kind != SQLITE_NOTADB)) return 0;
+    int error = 0;
+    sqlite3_file_control(handle, "main", SQLITE_FCNTL_LAST_ERRNO, &error);
+    return error == EIO || error == ENXIO || error == ERANGE ? error : 0;
 }
 
 }  // namespace
@@ -173,9 +213,9 @@ void ProjectDatabase::Open(const std::string& nativePath, Mode mode) {
                       : mode == Mode::Update ? SQLITE_OPEN_READWRITE
                                              : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const auto openWith = [&](int with) {
-        const int code =
-            sqlite3_open_v2(nativePath.c_str(), &handle_,
-                            with | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, nullptr);
+        const int code = sqlite3_open_v2(nativePath.c_str(), &handle_,
+                                         with | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE,
+                                         DiskWithoutLogs());
         if (code != SQLITE_OK) Fail(code);
         sqlite3_extended_result_codes(handle_, 1);
         sqlite3_busy_timeout(handle_, kBusyMilliseconds);
@@ -243,10 +283,13 @@ void ProjectDatabase::Rollback() noexcept {
 }
 
 void ProjectDatabase::Fail(int code) const {
-    const int systemError = handle_ ? sqlite3_system_errno(handle_) : 0;
-    const int full = handle_ ? sqlite3_extended_errcode(handle_) : code;
-    const ProjectResult result = ResultOfCode(code, systemError);
-    std::string message = Describe(result);
+    const int unread = ReadFailure(handle_, code);
+    const int full = unread    ? SQLITE_IOERR_READ
+                     : handle_ ? sqlite3_extended_errcode(handle_)
+                               : code;
+    const int systemError = unread ? unread : handle_ ? sqlite3_system_errno(handle_) : 0;
+    const ProjectResult result = ResultOfCode(unread ? full : code, systemError);
+    std::string message = Describe(result, systemError);
     if (result == ProjectResult::Failed || result == ProjectResult::IOError) {
         message += " (";
         message += sqlite3_errstr(full ? full : code);
@@ -256,26 +299,55 @@ void ProjectDatabase::Fail(int code) const {
     throw ProjectFailure(result, message);
 }
 
+// Marks
+// --------------------------------------------------------------------------------------------
+
+std::string FileMark::Text() const {
+    std::string text;
+    for (const std::int64_t part : {std::int64_t(device), std::int64_t(inode), size, modified})
+        text += std::to_string(part) + " ";
+    return text + std::to_string(changes);
+}
+
+FileMark FileMark::FromText(std::string_view text) {
+    const std::vector<std::string> parts = Split(text, ' ');
+    std::int64_t numbers[5] = {};
+    if (parts.size() != std::size(numbers)) return {};
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const char* end = parts[i].data() + parts[i].size();
+        const auto read = std::from_chars(parts[i].data(), end, numbers[i]);
+        if (read.ec != std::errc() || read.ptr != end) return {};
+    }
+    return {std::uint64_t(numbers[0]), std::uint64_t(numbers[1]), numbers[2], numbers[3],
+            std::uint32_t(numbers[4])};
+}
+
 // The first bytes
 // ----------------------------------------------------------------------------------
 
 ProjectFileHeader CheckHeader(const std::string& nativePath, std::uint32_t applicationId) {
-    const int file = open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (file < 0)
+    const Descriptor file(
+        Repeat([&] { return open(nativePath.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); }));
+    if (!file)
         throw ProjectFailure(errno == ENOENT || errno == ENOTDIR ? ProjectResult::NotFound
                                                                  : ResultOfErrno(errno));
     struct stat state = {};
     unsigned char bytes[kHeaderSize] = {};
-    const bool regular = fstat(file, &state) == 0 && S_ISREG(state.st_mode);
-    const ssize_t got = regular ? pread(file, bytes, sizeof bytes, 0) : 0;
-    const int error = errno;
-    close(file);
-    if (got < 0) throw ProjectFailure(ResultOfErrno(error));
+    const bool regular = fstat(file.Get(), &state) == 0 && S_ISREG(state.st_mode);
+    ssize_t got = 0;
+    for (ssize_t more = regular ? 1 : 0; more > 0 && got < ssize_t{sizeof bytes}; got += more) {
+        more = Repeat(
+            [&] { return pread(file.Get(), bytes + got, sizeof bytes - std::size_t(got), got); });
+        if (more < 0) throw ProjectFailure(ResultOfErrno(errno));
+    }
 
     ProjectFileHeader header;
     const bool magic = got >= 16 && std::memcmp(bytes, kMagic, sizeof kMagic) == 0;
     if (!magic) throw ProjectFailure(ProjectResult::NotAProject);
     if (got < static_cast<ssize_t>(sizeof bytes)) throw ProjectFailure(ProjectResult::Damaged);
+    header.mark = {state.st_dev, state.st_ino, state.st_size,
+                   std::int64_t{state.st_mtim.tv_sec} * 1'000'000'000 + state.st_mtim.tv_nsec,
+                   BigEndian(bytes + 24)};
     header.applicationId = BigEndian(bytes + 68);
     header.formatVersion = BigEndian(bytes + 60);
     header.pageSize = bytes[16] << 8 | bytes[17];

@@ -74,8 +74,25 @@ class ProjectDatabase {
     sqlite3* handle_ = nullptr;
 };
 
+/** By which a file is known again: as soon as another program has touched it, something differs. */
+struct FileMark {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0;
+    std::int64_t modified = 0;  ///< nanoseconds since 1970
+    std::uint32_t changes = 0;  ///< the database's count of its transactions
+
+    bool operator==(const FileMark&) const = default;
+    /** The mark of no file is not the mark of any. */
+    bool IsKnown() const { return inode != 0; }
+    std::string Text() const;
+    /** Unknown when the text is no mark. */
+    static FileMark FromText(std::string_view text);
+};
+
 /** What the first bytes of a file say, read without opening it as a database. */
 struct ProjectFileHeader {
+    FileMark mark;
     std::uint32_t applicationId = 0;
     std::uint32_t formatVersion = 0;
     int pageSize = 0;

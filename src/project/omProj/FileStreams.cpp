@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/posix/Descriptor.h"
 #include "project/omProj/Digest.h"
 #include "project/omProj/Format.h"
 
@@ -105,8 +106,10 @@ bool FileSource::ReadFile(std::size_t index, std::unique_ptr<FileBatch>& batch) 
             batch->bytes.resize(piece.offset + room);
             ssize_t got = 1;
             while (piece.length < room && got > 0) {
-                got = read(file, batch->bytes.data() + piece.offset + piece.length,
-                           room - piece.length);
+                got = Repeat([&] {
+                    return read(file, batch->bytes.data() + piece.offset + piece.length,
+                                room - piece.length);
+                });
                 if (got > 0) piece.length += static_cast<std::size_t>(got);
             }
             if (got < 0) piece.state.error = errno;
@@ -183,7 +186,7 @@ void FileSink::ThrowFailure() {
     const ProjectResult result = ResultOfErrno(error_);
     throw ProjectFailure(result, "The file '" + targets_[failedFile_].name +
                                      "' can not be written: " + std::strerror(error_) + ". " +
-                                     Describe(result));
+                                     Describe(result, error_));
 }
 
 void FileSink::Work() {
@@ -220,9 +223,10 @@ int FileSink::WritePiece(const FileBatch& batch, const FilePiece& piece) {
     }
     // 3. The bytes.
     for (std::size_t at = 0; at < bytes.size();) {
-        const ssize_t put = write(file_, bytes.data() + at, bytes.size() - at);
-        if (put < 0 && errno != EINTR) return errno;
-        if (put > 0) at += static_cast<std::size_t>(put);
+        const ssize_t put =
+            Repeat([&] { return write(file_, bytes.data() + at, bytes.size() - at); });
+        if (put < 0) return errno;
+        at += static_cast<std::size_t>(put);
     }
     if (!piece.last) return 0;
     // 4. The time it had, by which the next save knows that it is unchanged.
@@ -233,7 +237,7 @@ int FileSink::WritePiece(const FileBatch& batch, const FilePiece& piece) {
     }
     const int closed = close(file_);
     file_ = -1;
-    return closed == 0 ? 0 : errno;
+    return closed == 0 || errno == EINTR ? 0 : errno;
 }
 
 }  // namespace pw

@@ -1,6 +1,7 @@
 #pragma once
 // The project file's numbers, tables and limits; docs/project-file.md tells the layout in words.
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,20 @@ struct ProjectFailure {
     ProjectResult result;
     std::string message;
 };
+
+/** Runs a routine and turns whatever it throws into a result. */
+template <class Body>
+ProjectFailure Guard(Body body) {
+    try {
+        body();
+        return ProjectFailure(ProjectResult::Success);
+    } catch (const ProjectFailure& failure) {
+        return failure;
+    } catch (const std::exception& error) {
+        return ProjectFailure(ProjectResult::Failed,
+                              Describe(ProjectResult::Failed) + " (" + error.what() + ")");
+    }
+}
 
 struct TableDefinition {
     std::string name;

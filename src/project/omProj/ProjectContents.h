@@ -1,5 +1,6 @@
 #pragma once
 // What stands behind a project's references; exchanged whole when a project is loaded or cleared.
+#include "project/omProj/Database.h"
 #include "project/omProj/Project.h"
 
 namespace pw {
@@ -15,6 +16,9 @@ struct Project::Contents {
     pw::PublishHistory publishHistory;
     AddInRecords addIns;
     std::unique_ptr<Page> defaultTemplate;
+    /** Of the project file as this object left it behind: as long as it is still that one, what
+     *  is known about its content holds. */
+    FileMark mark;
 };
 
 }  // namespace pw

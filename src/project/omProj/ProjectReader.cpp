@@ -103,6 +103,8 @@ void ProjectReader::ReadHeader() {
     read("thumbnail", thumbnail_);
     if (!thumbnail_.empty()) project_.ThumbnailFilename = PathOf(thumbnail_);
     read("base_file", baseFile_);
+    if (values.contains("base_mark"))
+        baseMark_ = FileMark::FromText(read.Get<std::string>("base_mark"));
     read("page_count", project_.headerPageCount_);
     if (project_.headerPageCount_ < 0) ThrowDamaged();
     if (header_.applicationId == kProjectId) fileCount_ = read.Get<std::int64_t>("file_count");
@@ -331,7 +333,10 @@ void ProjectReader::ReadFileList() {
         // Nothing is packed, so what comes out of the file can't be more than the file itself.
         total += file.size;
         if (file.size < 0 || file.size > kMaximumFileSize || total > header_.fileSize)
-            ThrowHostile();
+            throw ProjectFailure(ProjectResult::HostileContent,
+                                 "The project file tells a size for '" + file.name +
+                                     "' that can not be right. It was not opened. Please use a "
+                                     "copy of it.");
         fileIds_.push_back(rows.Integer(0));
         files_.push_back(std::move(file));
     }

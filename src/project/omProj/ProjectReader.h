@@ -32,6 +32,7 @@ class ProjectReader {
     const std::vector<std::string>& FolderNames() const { return folderNames_; }
     /** Of a journal: the project file that it belongs to. */
     const std::string& BaseFile() const { return baseFile_; }
+    const FileMark& BaseMark() const { return baseMark_; }
 
   private:
     void ReadSites();
@@ -71,6 +72,7 @@ class ProjectReader {
     int nextAttachment_ = 1;
     std::string thumbnail_;
     std::string baseFile_;
+    FileMark baseMark_;
     std::int64_t fileCount_ = 0;
 };
 

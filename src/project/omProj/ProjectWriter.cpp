@@ -243,17 +243,18 @@ std::int64_t ProjectWriter::SizeOnDisk() {
 // The tables
 // ---------------------------------------------------------------------------------------
 
-void ProjectWriter::WriteTree(ProjectDatabase& database, const std::string& baseFile) {
+void ProjectWriter::WriteTree(ProjectDatabase& database, const JournalBase& base) {
+    storedDigests_.clear();
     ProjectStatement digests(database, "SELECT name, value FROM header WHERE name LIKE 'digest:%'");
     while (digests.Next())
         storedDigests_.emplace(digests.Text(0), digests.Integer(1));
     WriteSitesAndFolders(database);
     WritePages(database);
     WriteLists(database);
-    WriteHeader(database, baseFile);
+    WriteHeader(database, base);
 }
 
-void ProjectWriter::WriteHeader(ProjectDatabase& database, const std::string& baseFile) {
+void ProjectWriter::WriteHeader(ProjectDatabase& database, const JournalBase& base) {
     ProjectStatement put(database, "INSERT OR REPLACE INTO header VALUES(?,?)");
     struct Putter {
         ProjectStatement& put;
@@ -274,7 +275,8 @@ void ProjectWriter::WriteHeader(ProjectDatabase& database, const std::string& ba
     putter("page_count", project_.PageIndex().Count());
     putter("next_site", project_.WebSites().NextNumber());
     putter("next_attachment", project_.Attachments().NextNumber());
-    putter("base_file", baseFile);
+    putter("base_file", base.file);
+    if (content_ == Content::TreeOnly) putter("base_mark", base.mark.Text());
 }
 
 /** Rewrites a small table when what it is to hold differs from what it holds. */

@@ -22,6 +22,12 @@ struct WantedFile {
     bool required = false;  ///< a page's own file; media may be missing
 };
 
+/** What a journal of a run belongs to. */
+struct JournalBase {
+    std::string file;  ///< the project file; "" for a project never saved
+    FileMark mark;     ///< as the tree in the journal knows it
+};
+
 class ProjectWriter {
   public:
     enum class Content { WithFiles, TreeOnly };
@@ -30,8 +36,8 @@ class ProjectWriter {
      *  from the disk yet. */
     ProjectWriter(Project& project, Content content);
 
-    /** The tables of the tree. `baseFile` is what a journal belongs to. */
-    void WriteTree(ProjectDatabase& database, const std::string& baseFile = {});
+    /** The tables of the tree. `base` is for journals. */
+    void WriteTree(ProjectDatabase& database, const JournalBase& base = {});
     /** The files, those that changed. May raise progress. */
     void WriteFiles(ProjectDatabase& database);
     /** Bytes that the files will take, as far as they are there. */
@@ -55,7 +61,7 @@ class ProjectWriter {
     void Want(const std::string& path, const std::string& page, bool required);
 
     // The tables.
-    void WriteHeader(ProjectDatabase& database, const std::string& baseFile);
+    void WriteHeader(ProjectDatabase& database, const JournalBase& base);
     void WriteSitesAndFolders(ProjectDatabase& database);
     void WritePages(ProjectDatabase& database);
     void WriteLists(ProjectDatabase& database);

@@ -1,5 +1,7 @@
 #include "project/omProj/Results.h"
 
+#include <cerrno>
+
 namespace pw {
 namespace {
 
@@ -48,6 +50,15 @@ std::string Describe(ProjectResult result) {
     for (const ResultText& row : kTexts)
         if (row.result == result) return row.text;
     return "The operation failed.";
+}
+
+std::string Describe(ProjectResult result, int systemError) {
+    if (result == ProjectResult::DiskFull && systemError == EFBIG)
+        return "A file would get larger than files may be here. Please have the limit on the size "
+               "of files raised and try again.";
+    if (result == ProjectResult::DiskFull && systemError == EDQUOT)
+        return "Your share of the disk is full. Please make some room on it and try again.";
+    return Describe(result);
 }
 
 }  // namespace pw

@@ -30,5 +30,7 @@ enum class ProjectResult : std::uint32_t {
 
 /** A sentence for the user that says what is wrong and, where it helps, what to do. */
 std::string Describe(ProjectResult result);
+/** The same, where the errno that led to it tells more. */
+std::string Describe(ProjectResult result, int systemError);
 
 }  // namespace pw

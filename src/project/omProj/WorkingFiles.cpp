@@ -1,14 +1,13 @@
 #include "project/omProj/WorkingFiles.h"
 
 #include <fcntl.h>
-#include <linux/fs.h>
-#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 
 #include "platform/FileSystem.h"
+#include "platform/posix/Descriptor.h"
 #include "project/omProj/Format.h"
 
 namespace pw {
@@ -95,9 +94,9 @@ DiskState WorkingFiles::Stat(std::string_view name) {
 int WorkingFiles::OpenToRead(std::string_view name, DiskState& state) {
     std::string leaf;
     const int folder = ParentOf(name, Missing::Fail, leaf);
-    const int file =
-        folder < 0 ? -1
-                   : openat(folder, leaf.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    const int file = folder < 0 ? -1 : Repeat([&] {
+        return openat(folder, leaf.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    });
     struct stat info = {};
     if (file < 0 || fstat(file, &info) != 0)
         state.error = errno == ENOTDIR ? ENOENT : errno;
@@ -115,9 +114,11 @@ int WorkingFiles::Create(std::string_view name) {
     const int folder = ParentOf(name, Missing::Make, leaf);
     if (folder < 0) return -1;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    int file = openat(folder, leaf.c_str(), flags, 0666);
-    if (file < 0 && errno == EEXIST && unlinkat(folder, leaf.c_str(), 0) == 0)
-        file = openat(folder, leaf.c_str(), flags, 0666);
+    const auto make = [&] {
+        return Repeat([&] { return openat(folder, leaf.c_str(), flags, 0666); });
+    };
+    int file = make();
+    if (file < 0 && errno == EEXIST && unlinkat(folder, leaf.c_str(), 0) == 0) file = make();
     return file;
 }
 
@@ -129,17 +130,6 @@ void WorkingFiles::Remove(std::string_view name) {
     std::string leaf;
     const int folder = ParentOf(name, Missing::Fail, leaf);
     if (folder >= 0) unlinkat(folder, leaf.c_str(), 0);
-}
-
-bool CloneFile(const std::string& nativeFrom, const std::string& nativeTo) {
-    const int from = open(nativeFrom.c_str(), O_RDONLY | O_CLOEXEC);
-    if (from < 0) return false;
-    const int to = open(nativeTo.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-    const bool cloned = to >= 0 && ioctl(to, FICLONE, from) == 0;
-    close(from);
-    if (to >= 0) close(to);
-    if (to >= 0 && !cloned) unlink(nativeTo.c_str());
-    return cloned;
 }
 
 }  // namespace pw

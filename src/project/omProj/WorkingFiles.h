@@ -45,7 +45,4 @@ class WorkingFiles {
     int lastFolder_ = -1;
 };
 
-/** Shares a file's blocks with a new file where the disk can; false when it can't. */
-bool CloneFile(const std::string& nativeFrom, const std::string& nativeTo);
-
 }  // namespace pw

@@ -144,6 +144,54 @@ TEST(RunFolder, OffersWhatACrashLeftAndNothingThatRuns) {
     EXPECT_TRUE(fs::is_empty(folder.Native("cache")));
 }
 
+TEST(RunFolder, GoesAsOne) {
+    const TemporaryFolder folder;
+    const auto files = MakePosixFileSystem();
+    const std::string cache = folder.Path("cache");
+    // Killed while the files go, at any moment, it is no run folder that something could be
+    // recovered from.
+    for (int round = 0; round < 20; ++round) {
+        SCOPED_TRACE(round);
+        std::unique_ptr<RunFolder> run;
+        int ready[2];
+        ASSERT_EQ(::pipe(ready), 0);
+        const pid_t child = ::fork();
+        if (child == 0) {
+            run = RunFolder::Create(*files, cache);
+            for (int page = 0; page < 200; ++page)
+                if (files->Write(run->Path() + "\\p" + std::to_string(page), "page") !=
+                    FileError::None)
+                    ::_exit(1);
+            if (::write(ready[1], "y", 1) != 1) ::_exit(2);
+            static_cast<void>(run->Remove());
+            ::_exit(0);
+        }
+        char byte = 0;
+        EXPECT_EQ(::read(ready[0], &byte, 1), 1);
+        ::usleep(useconds_t(round * 100));
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+        ::close(ready[0]);
+        ::close(ready[1]);
+        for (const AbandonedRun& left : RunFolder::FindAbandoned(*files, cache)) {
+            std::vector<FolderEntry> entries;
+            EXPECT_EQ(files->List(left.folder, entries), FileError::None);
+            EXPECT_EQ(entries.size(), 201u) << "all of it, and the lock";
+            EXPECT_EQ(RunFolder::Discard(*files, left.folder), FileError::None);
+        }
+        RunFolder::SweepLeaving(*files, cache);
+        EXPECT_TRUE(fs::is_empty(folder.Native("cache")));
+    }
+    // Where it can't be put out of the way nothing of it goes.
+    const auto run = RunFolder::Create(*files, cache);
+    const std::string page = run->Path() + "\\page";
+    ASSERT_EQ(files->Write(page, "page"), FileError::None);
+    const std::string name = run->Path().substr(cache.size() + 1);
+    folder.Put("cache\\old-" + name + "\\in the way", "");
+    EXPECT_NE(run->Remove(), FileError::None);
+    EXPECT_TRUE(files->Stat(page).exists);
+}
+
 TEST(RunFolder, CannotBeMadeWhereNothingCan) {
     const TemporaryFolder folder;
     folder.Put("cache", "a file");

@@ -210,6 +210,110 @@ TEST_F(DamagedProjectFile, FlippedBitsEndInAProjectOrAMessage) {
     EXPECT_GT(opened, 0) << "gaps and single letters do not make a project unreadable";
 }
 
+TEST_F(DamagedProjectFile, IsWrittenAnewWithEverything) {
+    std::mt19937 random(20261123);
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        const TemporaryFolder work;
+        const TemporaryFolder other;
+        Project project(*files);
+        project.WorkingFolder = work.Path();
+        home.Put("bad.pwp", good);
+        ASSERT_EQ(project.Load(home.Path("bad.pwp")), ProjectResult::Success);
+        project.Name = "changed";
+        const std::string wanted = ProjectPrinter::Print(project);
+        std::string bytes = good;
+        switch (round % 4) {
+            case 0:
+                bytes.resize(random() % bytes.size());
+                break;
+            case 1:
+                bytes.replace(100 + random() % 50'000, 2000, std::string(2000, '\0'));
+                break;
+            default:
+                for (int flips = 0; flips < 3; ++flips)
+                    bytes[random() % 60'000] ^= static_cast<char>(1 << random() % 8);
+        }
+        home.Put("bad.pwp", bytes);
+        ASSERT_EQ(project.Save(home.Path("bad.pwp")), ProjectResult::Success)
+            << project.LastMessage();
+        Project loaded(*files);
+        loaded.WorkingFolder = other.Path();
+        ASSERT_EQ(loaded.Load(home.Path("bad.pwp")), ProjectResult::Success)
+            << loaded.LastMessage();
+        EXPECT_EQ(ProjectPrinter::Print(loaded), wanted);
+        for (const char* name : {"index.htm", "style.css", "news\\old\\a.htm", "~pwthumb.jpg"})
+            EXPECT_EQ(other.Get(name), work.Get(name)) << name;
+    }
+}
+
+/** Values that SQL put into the file behind the checksums of their rows. */
+TEST_F(DamagedProjectFile, WhatOthersPutIntoTheFileIsNotTakenForWhatWasSaved) {
+    const TemporaryFolder work;
+    const TemporaryFolder other;
+    Project project(*files);
+    project.WorkingFolder = work.Path();
+    home.Put("bad.pwp", good);
+    ASSERT_EQ(project.Load(home.Path("bad.pwp")), ProjectResult::Success);
+    const std::string wanted = ProjectPrinter::Print(project);
+    Run("UPDATE page SET title='theirs'; DELETE FROM task; UPDATE site SET name='theirs'; "
+        "UPDATE content SET bytes=zeroblob(length(bytes)); DELETE FROM merge_variable");
+    ASSERT_EQ(project.Save(home.Path("bad.pwp")), ProjectResult::Success) << project.LastMessage();
+    Project loaded(*files);
+    loaded.WorkingFolder = other.Path();
+    ASSERT_EQ(loaded.Load(home.Path("bad.pwp")), ProjectResult::Success) << loaded.LastMessage();
+    EXPECT_EQ(ProjectPrinter::Print(loaded), wanted);
+    EXPECT_EQ(other.Get("index.htm"), "<p>index</p>");
+}
+
+TEST_F(DamagedProjectFile, ALogBesideASoundProjectIsNotRead) {
+    // A log of another state of the same file, whole, so that the library would believe it.
+    home.Put("logged.pwp", good);
+    std::string log;
+    {
+        sqlite3* database = nullptr;
+        ASSERT_EQ(sqlite3_open(home.Native("logged.pwp").c_str(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database,
+                               "PRAGMA journal_mode=WAL; UPDATE header SET value='theirs' "
+                               "WHERE name='name'",
+                               nullptr, nullptr, nullptr),
+                  SQLITE_OK);
+        log = home.Get("logged.pwp-wal");
+        sqlite3_close(database);
+    }
+    ASSERT_GT(log.size(), 4096u);
+    struct Row {
+        const char* name;
+        std::string log;
+    };
+    for (const Row& row : {Row{"whole", log}, Row{"torn", log.substr(0, log.size() / 2)},
+                           Row{"text", "no log"}, Row{"empty", ""}}) {
+        SCOPED_TRACE(row.name);
+        const TemporaryFolder work;
+        home.Put("site.pwp", good);
+        home.Put("site.pwp-wal", row.log);
+        Project project(*files);
+        project.WorkingFolder = work.Path();
+        ASSERT_EQ(project.Load(home.Path("site.pwp")), ProjectResult::Success)
+            << project.LastMessage();
+        EXPECT_NE(project.Name, "theirs");
+        project.Description = "saved beside it";
+        ASSERT_EQ(project.Save(home.Path("site.pwp")), ProjectResult::Success);
+        EXPECT_EQ(project.Check(home.Path("site.pwp")), ProjectResult::Success);
+        EXPECT_EQ(home.Get("site.pwp-wal"), row.log) << "a stranger's file is left alone";
+        EXPECT_FALSE(home.Has("site.pwp-shm"));
+    }
+}
+
+TEST_F(DamagedProjectFile, AWrongSizeIsNotToldAsAWrongName) {
+    home.Put("bad.pwp", good);
+    Run("UPDATE file SET size=3000000000 WHERE name='style.css'");
+    std::string message;
+    EXPECT_EQ(LoadBad(&message), ProjectResult::HostileContent);
+    EXPECT_NE(message.find("a size for 'style.css'"), std::string::npos) << message;
+    EXPECT_EQ(message.find("names"), std::string::npos) << message;
+}
+
 TEST_F(DamagedProjectFile, ALinkInTheWorkingFolderIsNotFollowed) {
     const TemporaryFolder work;
     const TemporaryFolder target;

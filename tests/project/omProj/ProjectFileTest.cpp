@@ -1,5 +1,7 @@
 #include <sqlite3.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -294,6 +296,64 @@ TEST_F(ProjectFile, LeavesAnEarlierSafetyCopyAlone) {
     EXPECT_TRUE(standing);
     EXPECT_FALSE(project.Busy());
     EXPECT_FALSE(home.Has("a.~pw"));
+}
+
+TEST_F(ProjectFile, ASafetyCopyOfADeadProgramGoesAfterTheNextGoodSave) {
+    FillSampleProject(project, work);
+    const std::string file = home.Path("a.pwp");
+    ASSERT_EQ(project.Save(file), ProjectResult::Success);
+    const pid_t child = fork();
+    if (child == 0) {
+        project.RaiseProgress = true;
+        project.ProjectProgressChanged = [](int value) {
+            if (value > 0) ::_exit(7);
+        };
+        work.Put("index.htm", "<p>never saved</p>");
+        static_cast<void>(project.Save(file));
+        ::_exit(1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_EQ(WEXITSTATUS(status), 7);
+    const std::string left = home.Get("a.~pw");
+    ASSERT_NE(left, "(missing)");
+    home.Put(".a.pwp.copy", "not finished");
+    home.Put(".~pw" + std::to_string(child) + "-4", "of the dead program");
+    home.Put(".~pw" + std::to_string(getpid()) + "-4", "of one that lives");
+    home.Put(".~pwnotes-4", "of the user");
+    // It can be opened as it is, should it be needed.
+    EXPECT_EQ(loaded.Check(home.Path("a.~pw")), ProjectResult::Success) << loaded.LastMessage();
+
+    // A save that fails keeps it: it may be the last whole copy.
+    std::filesystem::rename(work.Native("index.htm"), work.Native("away"));
+    ASSERT_EQ(project.Save(file), ProjectResult::MissingFile);
+    EXPECT_EQ(home.Get("a.~pw"), left);
+    std::filesystem::rename(work.Native("away"), work.Native("index.htm"));
+    ASSERT_EQ(project.Save(file), ProjectResult::Success) << project.LastMessage();
+    EXPECT_EQ(Listing(home), ".~pw" + std::to_string(getpid()) + "-4 17\n" +
+                                 ".~pwnotes-4 11\na.pwp " + std::to_string(project.ProjectSize()) +
+                                 "\n");
+}
+
+TEST_F(ProjectFile, NeverThrowsAJournalAway) {
+    FillSampleProject(project, work);
+    const std::string file = home.Path("a.pwp");
+    const std::string journal = "what mends a project that was moved away";
+    home.Put("a.pwp-journal", journal);
+    loaded.WorkingFolder = other.Path();
+    EXPECT_EQ(loaded.Load(file), ProjectResult::NotFound);
+    EXPECT_EQ(home.Get("a.pwp-journal"), journal);
+    for (const char* kept : {"a.pwp-journal.old", "a.pwp-journal.old2"}) {
+        home.Put("a.pwp-journal", journal);
+        std::filesystem::remove(home.Native("a.pwp"));
+        std::string logged;
+        project.LogMessage = [&](const std::string&, const std::string& text) { logged += text; };
+        ASSERT_EQ(project.Save(file), ProjectResult::Success) << project.LastMessage();
+        EXPECT_FALSE(home.Has("a.pwp-journal")) << "it would be played into the new file";
+        EXPECT_EQ(home.Get(kept), journal);
+        EXPECT_NE(logged.find(kept), std::string::npos) << logged;
+    }
+    EXPECT_EQ(loaded.Load(file), ProjectResult::Success);
 }
 
 TEST_F(ProjectFile, JournalGoesOnWhereAProgramEnded) {
