@@ -21,6 +21,8 @@ void ListenTo(ProjectContext& context) {
     context.project.ProjectProgressChanged = [&context](int value) {
         context.workspace.SetProgress(std::clamp(value, 0, 100));
     };
+    // A program without a window has said already where it wants them.
+    if (context.project.LogMessage) return;
     context.project.LogMessage = [&context](const std::string& tag, const std::string& message) {
         context.frame.errorLog.LogError(message, Failure(message), "omProj.", tag);
     };

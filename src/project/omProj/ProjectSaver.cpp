@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
+
 #include "project/omProj/Format.h"
 #include "project/omProj/ProjectContents.h"
 #include "project/omProj/SafetyCopy.h"
@@ -105,8 +108,7 @@ FileMark ProjectSaver::SaveProject(const FileMark& known) {
     SweepUnfinished();
     SafetyCopy(files_, target_, [this](const std::string& text) { Log(text); }).RemoveAbandoned();
     FileMark mark;
-    static_cast<void>(
-        Guard([&] { mark = CheckHeader(ToNativePath(target_), kProjectId).mark; }));
+    static_cast<void>(Guard([&] { mark = CheckHeader(ToNativePath(target_), kProjectId).mark; }));
     return mark;
 }
 
@@ -126,8 +128,7 @@ bool ProjectSaver::UpdateInPlace(const FileMark& known) {
     if (opened.result == ProjectResult::NoPermission) throw opened;
     if (opened.result != ProjectResult::Success) return false;
     if (header.mark != known || files_.Stat(JournalOf(target_)).exists) {
-        Log("The project file " + Quoted(target_) +
-            " is not as it was left and is written anew.");
+        Log("The project file " + Quoted(target_) + " is not as it was left and is written anew.");
         return false;
     }
 
@@ -180,16 +181,16 @@ std::string ProjectSaver::UnfinishedPath() const {
 }
 
 void ProjectSaver::SweepUnfinished() const {
-    const std::string native = ToNativePath(UnfinishedPath());
-    unlink(native.c_str());
-    unlink((native + "-journal").c_str());
+    for (const std::string& path : {UnfinishedPath(), JournalOf(UnfinishedPath())})
+        if (unlink(ToNativePath(path).c_str()) != 0 && errno != ENOENT)
+            Log("The file " + Quoted(path) + " can not be removed: " + std::strerror(errno) + ".");
 }
 
 void ProjectSaver::WriteNew(std::uint32_t applicationId, const JournalBase& base) {
     // 1. The new file grows beside the old one, under a name of its own.
     const bool whole = applicationId == kProjectId;
-    ProjectWriter writer(project_, whole ? ProjectWriter::Content::WithFiles
-                                         : ProjectWriter::Content::TreeOnly);
+    ProjectWriter writer(
+        project_, whole ? ProjectWriter::Content::WithFiles : ProjectWriter::Content::TreeOnly);
     const std::string unfinished = UnfinishedPath();
     const std::string native = ToNativePath(unfinished);
     SweepUnfinished();

@@ -74,10 +74,17 @@ SafetyCopy::SafetyCopy(FileSystem& files, std::string projectFile, Logger log)
       log_(std::move(log)) {}
 
 SafetyCopy::~SafetyCopy() {
-    if (!made_) return;
-    const FileError error = files_.RemoveFile(copy_);
+    if (made_) RemoveLogged(copy_);
+}
+
+void SafetyCopy::RemoveLogged(const std::string& path) {
+    const FileError error = files_.RemoveFile(path);
     if (error != FileError::None && error != FileError::NotFound)
-        log_("The file " + Quoted(copy_) + " can not be removed: " + Describe(error) + ".");
+        log_("The file " + Quoted(path) + " can not be removed: " + Describe(error) + ".");
+}
+
+void SafetyCopy::RemoveUnfinished() {
+    RemoveLogged(UnfinishedOf(projectFile_));
 }
 
 void SafetyCopy::Make() {
@@ -90,21 +97,21 @@ void SafetyCopy::Make() {
     }
     const std::string unfinished = UnfinishedOf(projectFile_);
     const std::string native = ToNativePath(unfinished);
-    unlink(native.c_str());
+    RemoveUnfinished();
     made_ = Descriptor(Repeat([&] {
         return open(native.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
     }));
     std::string problem = made_ ? "" : std::strerror(errno);
     if (made_ && Fill(made_.Get(), problem)) return Place(unfinished);
     made_ = Descriptor();
-    unlink(native.c_str());
+    RemoveUnfinished();
     if (!problem.empty()) log_("No copy was made at " + Quoted(copy_) + ": " + problem + ".");
 }
 
 /** False without a problem when a copy would be too dear. */
 bool SafetyCopy::Fill(int copy, std::string& problem) {
-    const Descriptor from(Repeat(
-        [&] { return open(ToNativePath(projectFile_).c_str(), O_RDONLY | O_CLOEXEC); }));
+    const Descriptor from(
+        Repeat([&] { return open(ToNativePath(projectFile_).c_str(), O_RDONLY | O_CLOEXEC); }));
     struct stat state = {};
     if (!from || fstat(from.Get(), &state) != 0) {
         problem = std::strerror(errno);
@@ -114,8 +121,7 @@ bool SafetyCopy::Fill(int copy, std::string& problem) {
         if (state.st_size > kCheapCopy) return false;
         CopyMeans means;
         means.clone = false;
-        const FileError error =
-            CopyContent(from.Get(), copy, std::uint64_t(state.st_size), means);
+        const FileError error = CopyContent(from.Get(), copy, std::uint64_t(state.st_size), means);
         if (error != FileError::None) {
             problem = Describe(error);
             return false;
@@ -137,21 +143,20 @@ void SafetyCopy::Place(const std::string& unfinished) {
     if (error == FileError::None) return;
     log_("No copy was made at " + Quoted(copy_) + ": " + Describe(error) + ".");
     made_ = Descriptor();
-    unlink(ToNativePath(unfinished).c_str());
+    RemoveUnfinished();
 }
 
 void SafetyCopy::RemoveAbandoned() {
     const std::string native = ToNativePath(copy_);
-    if (!made_ && BearsMark(native) && FileLock::IsFree(native))
-        static_cast<void>(files_.RemoveFile(copy_));
-    unlink(ToNativePath(UnfinishedOf(projectFile_)).c_str());
+    if (!made_ && BearsMark(native) && FileLock::IsFree(native)) RemoveLogged(copy_);
+    RemoveUnfinished();
     const std::string folder = projectFile_.substr(0, projectFile_.rfind('\\'));
     std::vector<FolderEntry> entries;
     if (files_.List(folder.empty() ? "\\" : folder, entries) != FileError::None) return;
     for (const FolderEntry& entry : entries) {
         const pid_t maker = entry.isFolder || entry.isLink ? 0 : MakerOf(entry.name);
         if (maker > 0 && kill(maker, 0) != 0 && errno == ESRCH)
-            static_cast<void>(files_.RemoveFile(folder + "\\" + entry.name));
+            RemoveLogged(folder + "\\" + entry.name);
     }
 }
 

@@ -38,6 +38,8 @@ class SafetyCopy {
   private:
     bool Fill(int copy, std::string& problem);
     void Place(const std::string& unfinished);
+    void RemoveUnfinished();
+    void RemoveLogged(const std::string& path);
 
     FileSystem& files_;
     std::string projectFile_;

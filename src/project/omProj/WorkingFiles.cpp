@@ -30,8 +30,10 @@ DiskState StateOf(const struct stat& info) {
 }  // namespace
 
 WorkingFiles::WorkingFiles(std::string_view folder) {
-    root_ =
-        folder.empty() ? -1 : open(ToNativePath(folder).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    const std::string native = ToNativePath(folder);
+    root_ = native.empty()
+                ? -1
+                : Repeat([&] { return open(native.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC); });
     if (root_ < 0) throw ProjectFailure(ProjectResult::NoWorkingFolder);
 }
 
@@ -58,10 +60,13 @@ int WorkingFiles::FolderHandle(std::string_view name, Missing missing) {
             slash == std::string_view::npos ? std::string_view() : name.substr(0, slash), missing);
         if (parent < 0) return -1;
         const std::string leaf(slash == std::string_view::npos ? name : name.substr(slash + 1));
-        int handle = openat(parent, leaf.c_str(), kFolderFlags);
+        const auto enter = [&] {
+            return Repeat([&] { return openat(parent, leaf.c_str(), kFolderFlags); });
+        };
+        int handle = enter();
         if (handle < 0 && errno == ENOENT && missing == Missing::Make) {
             if (mkdirat(parent, leaf.c_str(), 0777) != 0 && errno != EEXIST) return -1;
-            handle = openat(parent, leaf.c_str(), kFolderFlags);
+            handle = enter();
         }
         if (handle < 0) return -1;
         if (folders_.size() >= kOpenFolders) ForgetFolders();
