@@ -38,7 +38,7 @@ struct LeftOutFile {
     /** The user may be asked for it: it is a file, and neither hidden nor one of the system's. */
     bool mayBeOffered = false;
 };
-/** "'../a.gif' was left out: it lies outside of the folder." */
+/** "'../a.gif' in 'b.html' was left out: it lies outside of the folder." */
 std::string Describe(const LeftOutFile& file);
 
 /** A file that may be taken. */
@@ -106,5 +106,7 @@ class FileAdmission {
 /** True for a value that a program on the server makes something of ("<?php … ?>", "{{ x }}",
  *  "a.php?id=3"), so that no file beside the page can be meant. */
 bool IsMadeByServer(std::string_view value);
+/** True for the name of such a program. */
+bool IsServerScript(std::string_view path);
 
 }  // namespace pw

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -18,13 +19,17 @@ namespace {
 
 constexpr std::size_t kBufferSize = 128 * 1024;
 
-/** `size` is what is expected to be left: when so much has come, the end needs no read to be seen.
- */
-FileError CopyByBuffer(int from, int to, std::uint64_t size) {
+bool IsCancelled(const CopyMeans& means) {
+    return means.isCancelled && means.isCancelled();
+}
+
+/** Files that the system makes up as they are read can be without end: `size` is the limit. */
+FileError CopyByBuffer(int from, int to, std::uint64_t size, const CopyMeans& means) {
     thread_local std::vector<char> buffer(kBufferSize);
-    std::uint64_t total = 0;
-    for (;;) {
-        const ssize_t got = ::read(from, buffer.data(), buffer.size());
+    while (size > 0) {
+        if (IsCancelled(means)) return FileError::Cancelled;
+        const auto wanted = std::size_t(std::min<std::uint64_t>(size, buffer.size()));
+        const ssize_t got = ::read(from, buffer.data(), wanted);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return ErrorOf(errno);
         if (got == 0) return FileError::None;
@@ -34,9 +39,9 @@ FileError CopyByBuffer(int from, int to, std::uint64_t size) {
             if (put < 0) return ErrorOf(errno);
             done += put;
         }
-        total += std::uint64_t(got);
-        if (std::size_t(got) < buffer.size() && total >= size) return FileError::None;
+        size -= std::uint64_t(got);
     }
+    return FileError::None;
 }
 
 class DirectoryStream {
@@ -71,6 +76,9 @@ class DirectoryStream {
 /** One run over a tree. Works relative to open folders, so no path is walked per file. */
 class TreeCopier {
   public:
+    explicit TreeCopier(const std::function<bool()>& isCancelled) {
+        means_.isCancelled = isCancelled;
+    }
     FileError Run(const std::string& from, const std::string& to) {
         Descriptor source(::open(from.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!source) return ErrorOf(errno);
@@ -90,8 +98,10 @@ class TreeCopier {
         DirectoryStream stream(std::move(source));
         if (!stream) return Note(ErrorOf(errno));
         bool failed = false;
-        while (const dirent* entry = stream.Next(failed))
+        while (const dirent* entry = stream.Next(failed)) {
+            if (IsCancelled(means_)) return Note(FileError::Cancelled);
             CopyEntry(stream.Fd(), target, *entry);
+        }
         if (failed) Note(ErrorOf(errno));
     }
 
@@ -136,6 +146,7 @@ class TreeCopier {
         Descriptor from(::openat(source, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
         struct stat status;
         if (!from || ::fstat(from.Get(), &status) != 0) return ErrorOf(errno);
+        if (!S_ISREG(status.st_mode)) return FileError::IO;  // swapped since it was looked at
         const mode_t mode = status.st_mode & 0777;
         constexpr int create = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
         Descriptor to(::openat(target, name, create, mode));
@@ -244,15 +255,23 @@ FileError ErrorOf(int number) {
 
 FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means) {
     if (means.clone && size > 0) {
-        if (::ioctl(to, FICLONE, from) == 0) return FileError::None;
+        if (::ioctl(to, FICLONE, from) == 0) {
+            struct stat status;  // the source may have grown since it was opened
+            const bool fits = ::fstat(to, &status) == 0 && std::uint64_t(status.st_size) <= size;
+            return fits || ::ftruncate(to, off_t(size)) == 0 ? FileError::None : ErrorOf(errno);
+        }
         means.clone = false;
     }
     // Below this a read and a write are quicker than the set-up inside the kernel.
     constexpr std::uint64_t worthIt = 256 * 1024;
+    // So much at a time that a copy can be cancelled soon.
+    constexpr std::uint64_t piece = 16 * 1024 * 1024;
     std::uint64_t done = 0;
     if (means.copyRange && size >= worthIt) {
         while (done < size) {
-            const ssize_t put = ::copy_file_range(from, nullptr, to, nullptr, size - done, 0);
+            if (IsCancelled(means)) return FileError::Cancelled;
+            const ssize_t put = ::copy_file_range(from, nullptr, to, nullptr,
+                                                  std::size_t(std::min(size - done, piece)), 0);
             if (put < 0 && errno == EINTR) continue;
             if (put < 0 && (errno == ENOSPC || errno == EDQUOT || errno == EIO))
                 return ErrorOf(errno);
@@ -263,11 +282,12 @@ FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means) {
         if (done >= size) return FileError::None;
         // What is left goes through the buffer: both files stand where the last copy ended.
     }
-    return CopyByBuffer(from, to, size - done);
+    return CopyByBuffer(from, to, size - done, means);
 }
 
-FileError CopyFolderTree(const std::string& from, const std::string& to) {
-    return TreeCopier().Run(from, to);
+FileError CopyFolderTree(const std::string& from, const std::string& to,
+                         const std::function<bool()>& isCancelled) {
+    return TreeCopier(isCancelled).Run(from, to);
 }
 
 FileError RemoveFolderTree(const std::string& folder) {

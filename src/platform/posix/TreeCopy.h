@@ -1,6 +1,8 @@
 #pragma once
 #include <sys/types.h>
 
+#include <functional>
+
 #include "platform/FileSystem.h"
 
 namespace pw {
@@ -12,9 +14,11 @@ FileError ErrorOf(int number);
 struct CopyMeans {
     bool clone = true;      ///< sharing of blocks
     bool copyRange = true;  ///< copying without a buffer in this process
+    std::function<bool()> isCancelled;  ///< see FileSystem
 };
 
-/** Copies `size` bytes of content between two open files. `means` is learnt from file to file. */
+/** Copies the content between two open files: at most `size` bytes, however many come. `means` is
+ *  learnt from file to file. */
 FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means);
 
 /**
@@ -23,7 +27,8 @@ FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means);
  * IsFolder, so that a copy never reaches outside the tree it was told to copy. Names that hold a
  * backslash give BadName. Goes on after an error and returns the first one.
  */
-FileError CopyFolderTree(const std::string& from, const std::string& to);
+FileError CopyFolderTree(const std::string& from, const std::string& to,
+                         const std::function<bool()>& isCancelled = {});
 
 /** Removes a folder with all below it, or the link that stands in its place. Native path. */
 FileError RemoveFolderTree(const std::string& folder);
