@@ -190,7 +190,8 @@ void FileAdmission::Note(std::string_view value, const std::string& from, const 
 }
 
 std::optional<AdmittedFile> FileAdmission::Find(const std::vector<std::string>& folders,
-                                                std::string_view value, FileUse use) {
+                                                std::string_view value, FileUse use,
+                                                Verdict* reason) {
     if (!IsLocalReference(value) || IsMadeByServer(value)) return std::nullopt;
     std::string text = Trim(value);
     const bool isFromRoot = text.starts_with('/') || text.starts_with('\\');
@@ -218,12 +219,22 @@ std::optional<AdmittedFile> FileAdmission::Find(const std::vector<std::string>& 
         }
     }
     if (why != Verdict::Missing) Note(value, from, refused, why);
+    if (reason) *reason = why;
     return std::nullopt;
 }
 
+void FileAdmission::NoteFolder(std::string_view address, const std::string& folder) {
+    const std::string real = files_->Canonical(folder);
+    if (!real.empty()) leftOut.push_back({page, std::string(address), real, Verdict::Outside});
+}
+
+bool HoldsServerCode(std::string_view text) {
+    return std::any_of(std::begin(kCodeMarks), std::end(kCodeMarks),
+                       [&](auto mark) { return text.find(mark) != text.npos; });
+}
+
 bool IsMadeByServer(std::string_view value) {
-    for (const std::string_view mark : kCodeMarks)
-        if (value.find(mark) != value.npos) return true;
+    if (HoldsServerCode(value)) return true;
     const SplitReference parts = SplitSuffix(value);
     if (!parts.suffix.starts_with('?')) return false;
     // "picture.gif?v=2" is a picture; what takes a query to make one is a program.

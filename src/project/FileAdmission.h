@@ -75,10 +75,13 @@ class FileAdmission {
 
     /**
      * The first file that a reference means and that is admitted, looked for from each of the
-     * folders in turn. One that is there and is not admitted is noted in `leftOut`, for `page`.
+     * folders in turn. One that is there and is not admitted is noted in `leftOut`, for `page`;
+     * `why`, if given, becomes the reason.
      */
     std::optional<AdmittedFile> Find(const std::vector<std::string>& folders,
-                                     std::string_view value, FileUse use);
+                                     std::string_view value, FileUse use, Verdict* why = nullptr);
+    /** Notes that a base address leads to a folder that is not admitted, if it is there. */
+    void NoteFolder(std::string_view address, const std::string& folder);
     /** The folders that a reference from the root can mean. */
     std::vector<std::string> Roots(std::string_view folder) const;
 
@@ -103,7 +106,9 @@ class FileAdmission {
     std::shared_ptr<Looks> looks_;
 };
 
-/** True for a value that a program on the server makes something of ("<?php … ?>", "{{ x }}",
+/** True for text in which a program on the server replaces something: "<?php … ?>", "{{ x }}". */
+bool HoldsServerCode(std::string_view text);
+/** True for a value that a program on the server makes something of (code, or
  *  "a.php?id=3"), so that no file beside the page can be meant. */
 bool IsMadeByServer(std::string_view value);
 /** True for the name of such a program. */
