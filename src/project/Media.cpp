@@ -101,11 +101,12 @@ bool CanBeMissing(const std::string& value, const std::string& name) {
     const std::string path = SplitSuffix(Trim(value)).path;
     const bool isAbsolute = path.starts_with('/') || path.starts_with('\\') ||
                             path.find(':') != path.npos;
-    const bool hasControls = std::any_of(path.begin(), path.end(), [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-    });
+    const bool isGarbled = path.find("\uFFFD") != path.npos ||
+                           std::any_of(path.begin(), path.end(), [](char c) {
+                               return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+                           });
     constexpr std::size_t kLongest = 200;  // bytes; disks take 255
-    return !isAbsolute && !hasControls && !IsMadeByServer(value) && !IsServerScript(path) &&
+    return !isAbsolute && !isGarbled && !IsMadeByServer(value) && !IsServerScript(path) &&
            name.find_first_not_of('.') != name.npos && name.size() <= kLongest;
 }
 

@@ -271,7 +271,10 @@ TEST_F(CliTest, TakesTheManualInAndPublishesItWhole) {
     if (!fs::exists(kManual / "en")) GTEST_SKIP() << "needs the package apache2-doc";
     const std::string project = Path("manual.pwp");
     ASSERT_EQ(Cli({"new", project, "--name", "Manual"}).code, 0);
-    const Outcome added = Cli({"add", project, (kManual / "en").string()});
+    // Its pictures and style sheets lie beside the language, not below it.
+    const Outcome added = Cli({"add", project, (kManual / "en").string(), "--with-files-from",
+                               (kManual / "images").string(),
+                               "--with-files-from=" + (kManual / "style").string()});
     ASSERT_EQ(added.code, 0) << added.output;
     const Outcome published = Cli({"publish", project, "--html", Path("out")});
     ASSERT_EQ(published.code, 0) << published.output;
