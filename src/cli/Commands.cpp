@@ -26,8 +26,10 @@ const std::vector<Command>& Commands() {
          "become project folders. Pictures, style sheets and scripts that the pages use come\n"
          "along, and links among the pages added together keep working though pages get new\n"
          "names. A page named index becomes the default page where there is none.\n"
-         "What lies outside of the folder PATH, or is hidden, stays behind; of a page that is named\n"
-         "by itself, so does what its tags are not for. It is told, and the page keeps the address\n"
+         "What lies outside of the folder PATH, or is hidden, stays behind; of a page that is "
+         "named\n"
+         "by itself, so does what its tags are not for. It is told, and the page keeps the "
+         "address\n"
          "as it is written. --with-files-from takes such files along.\n"
          "Pages that can not be taken in are reported and left out; the rest is added all the\n"
          "same, and the exit code is 1.\n",

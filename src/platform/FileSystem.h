@@ -81,7 +81,8 @@ class FileSystem {
     [[nodiscard]] virtual FileError Copy(std::string_view from, std::string_view to) = 0;
     /**
      * Copies all below a folder into another, overwriting. Returns the first error but goes on. A
-     * link to a file is copied as that file; a link to a folder is left out and gives IsFolder.
+     * link to a file of the tree is copied as that file; one that leads out of it is left out and
+     * gives NoPermission, one to a folder IsFolder.
      */
     [[nodiscard]] virtual FileError CopyTree(std::string_view from, std::string_view to) = 0;
     [[nodiscard]] virtual FileError Sync(std::string_view path) = 0;  ///< a file or a folder

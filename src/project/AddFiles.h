@@ -32,8 +32,8 @@ struct AddFilesResult {
     std::vector<AddFilesProblem> problems;
     /** What the pages name and may not have, as long as nobody has agreed to it. */
     std::vector<LeftOutFile> leftOut;
-    /** Takes these files along after all and makes the pages that name them anew; answers what could
-     *  not be taken. To be called before anything else is done to the pages. */
+    /** Takes these files along after all and makes the pages that name them anew; answers what
+     * could not be taken. To be called before anything else is done to the pages. */
     std::function<std::vector<AddFilesProblem>(const std::vector<std::string>& files)> takeLeftOut;
 };
 

@@ -54,8 +54,8 @@ Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, 
             return AdmissionOfProject(context).Admits(path, FileUse::Linked)
                        ? AddInUse(context, std::string(path), page)
                        : nullptr;
-        const auto pulled = MediaPuller(context).PullChosenFile(
-            std::string(path), GetPageFolder(context, page.Key()));
+        const auto pulled = MediaPuller(context).PullChosenFile(std::string(path),
+                                                                GetPageFolder(context, page.Key()));
         for (auto file = pulled.rbegin(); file != pulled.rend(); ++file) {
             Attachment* attachment = AddInUse(context, *file, page);
             if (file + 1 == pulled.rend()) return attachment;

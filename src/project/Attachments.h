@@ -14,8 +14,8 @@ class Page;
 
 /**
  * Adds a file to a page as in use, which survives every scan. A file outside the project's folder
- * is one that the user chose, and is copied into the page's `media` folder first. None when the file
- * is missing.
+ * is one that the user chose, and is copied into the page's `media` folder first. None when the
+ * file is missing.
  */
 Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page);
 

@@ -36,8 +36,8 @@ TakenFiles TakeFiles(ProjectContext& context, const std::string& pageKey,
 TakenFiles TakePicture(ProjectContext& context, const std::string& pageKey, std::string_view bytes,
                        std::string_view extension);
 
-/** How the references of pasted markup come into the page: pictures of this machine that are such by
- *  their content, and those that stand in the markup itself, are copied; links to files of the
+/** How the references of pasted markup come into the page: pictures of this machine that are such
+ * by their content, and those that stand in the markup itself, are copied; links to files of the
  *  project become relative. Other files are not for a site to publish. */
 AddressAdopter AdoptIntoPage(ProjectContext& context, const std::string& pageKey);
 

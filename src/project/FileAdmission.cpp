@@ -17,9 +17,9 @@ namespace {
 /** Begins what a program on the server replaces before anybody sees the page. */
 constexpr std::string_view kCodeMarks[] = {"<?", "<%", "<#", "<!", "<cf", "{{", "{%",
                                            "{#", "${", "#{", "@{", "[%",  "[["};
-constexpr std::string_view kScriptKinds[] = {"php", "php3", "php4", "php5",  "phtml", "asp", "aspx",
-                                             "ashx", "cgi",  "pl",   "py",    "rb",    "jsp", "jspx",
-                                             "do",   "cfm",  "fcgi", "dll",   "exe"};
+constexpr std::string_view kScriptKinds[] = {"php",  "php3", "php4", "php5", "phtml", "asp", "aspx",
+                                             "ashx", "cgi",  "pl",   "py",   "rb",    "jsp", "jspx",
+                                             "do",   "cfm",  "fcgi", "dll",  "exe"};
 /** Where the system shows itself as files. */
 constexpr std::string_view kSystemFolders[] = {"\\proc", "\\sys", "\\dev"};
 
@@ -81,12 +81,14 @@ struct FileAdmission::Looks {
 };
 
 std::string Describe(const LeftOutFile& file) {
-    return "'" + file.reference + "' in '" + GetFileName(file.page) + "' was left out: " +
-           ReasonText(file.why) + ".";
+    return "'" + file.reference + "' in '" + GetFileName(file.page) +
+           "' was left out: " + ReasonText(file.why) + ".";
 }
 
 FileAdmission::FileAdmission(const FileSystem& files)
-    : files_(&files), looks_(std::make_shared<Looks>()) {}
+    : files_(&files),
+      chosen_(std::make_shared<std::unordered_set<std::string>>()),
+      looks_(std::make_shared<Looks>()) {}
 
 void FileAdmission::AllowFolder(std::string_view folder, Taking taking) {
     const std::string real = files_->Canonical(folder);
@@ -95,7 +97,10 @@ void FileAdmission::AllowFolder(std::string_view folder, Taking taking) {
 
 void FileAdmission::AllowFile(std::string_view path) {
     const std::string real = files_->Canonical(path);
-    if (!real.empty()) chosen_.push_back(real);
+    if (real.empty()) return;
+    if (chosen_.use_count() > 1)
+        chosen_ = std::make_shared<std::unordered_set<std::string>>(*chosen_);
+    chosen_->insert(real);
 }
 
 void FileAdmission::AllowPicturesByAddress() {
@@ -142,11 +147,11 @@ Verdict FileAdmission::Judge(std::string_view path, FileUse use, std::string* re
     if (real) *real = look.real;
     if (look.real.empty()) return Verdict::Missing;
     if (!look.isRegular) return Verdict::NoFile;
-    if (std::find(chosen_.begin(), chosen_.end(), look.real) != chosen_.end())
-        return Verdict::Admitted;
+    if (chosen_->count(look.real) > 0) return Verdict::Admitted;
     Verdict verdict = Verdict::Outside;
     for (const NamedFolder& folder : folders_) {
         if (!IsAbove(folder.path, look.real)) continue;
+        if (folder.taking == Taking::HiddenToo) return Verdict::Admitted;
         if (HasHiddenPart(Below(folder.path, look.real))) {
             verdict = Verdict::Hidden;
         } else if (folder.taking == Taking::Everything || IsFor(look.real, use)) {
@@ -162,7 +167,8 @@ bool FileAdmission::AdmitsFolder(std::string_view folder) const {
     const std::string real = files_->Canonical(folder);
     return std::any_of(folders_.begin(), folders_.end(), [&](const NamedFolder& named) {
         return real == named.path ||
-               (IsAbove(named.path, real) && !HasHiddenPart(Below(named.path, real)));
+               (IsAbove(named.path, real) &&
+                (named.taking == Taking::HiddenToo || !HasHiddenPart(Below(named.path, real))));
     });
 }
 

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/FileSystem.h"
@@ -52,7 +53,11 @@ class FileAdmission {
   public:
     /** Of what lies in a folder. A page that was taken alone brings only what its tags are for: a
      *  picture that is one by its content, a style sheet, a script, a font, sound, film. */
-    enum class Taking { Everything, WhatTagsAreFor };
+    enum class Taking {
+        Everything,  ///< but for what is hidden
+        WhatTagsAreFor,
+        HiddenToo  ///< of a project's own folder
+    };
 
     explicit FileAdmission(const FileSystem& files);
 
@@ -101,7 +106,7 @@ class FileAdmission {
 
     const FileSystem* files_;
     std::vector<NamedFolder> folders_;
-    std::vector<std::string> chosen_;  ///< resolved
+    std::shared_ptr<std::unordered_set<std::string>> chosen_;  ///< resolved; shared by copies
     bool picturesByAddress_ = false;
     std::shared_ptr<Looks> looks_;
 };

@@ -50,8 +50,8 @@ struct InsertPageRequest {
 
 /**
  * Inserts the page and returns it; none on failure, with the project as it was and a sentence for
- * the user in `reason`. Pictures, backgrounds, style sheets and scripts that are admitted are copied
- * into the `media` folder beside the page; everything else keeps its bytes.
+ * the user in `reason`. Pictures, backgrounds, style sheets and scripts that are admitted are
+ * copied into the `media` folder beside the page; everything else keeps its bytes.
  */
 Page* InsertPage(ProjectContext& context, const InsertPageRequest& request,
                  std::string* reason = nullptr);

@@ -99,12 +99,12 @@ std::optional<FileUse> UseOf(const MediaAttribute& media, const dom::Node& eleme
 /** Whether a missing file can be meant: one beside the page, with a name that a file can have. */
 bool CanBeMissing(const std::string& value, const std::string& name) {
     const std::string path = SplitSuffix(Trim(value)).path;
-    const bool isAbsolute = path.starts_with('/') || path.starts_with('\\') ||
-                            path.find(':') != path.npos;
-    const bool isGarbled = path.find("\uFFFD") != path.npos ||
-                           std::any_of(path.begin(), path.end(), [](char c) {
-                               return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-                           });
+    const bool isAbsolute =
+        path.starts_with('/') || path.starts_with('\\') || path.find(':') != path.npos;
+    const bool isGarbled =
+        path.find("\uFFFD") != path.npos || std::any_of(path.begin(), path.end(), [](char c) {
+            return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
+        });
     constexpr std::size_t kLongest = 200;  // bytes; disks take 255
     return !isAbsolute && !isGarbled && !IsMadeByServer(value) && !IsServerScript(path) &&
            name.find_first_not_of('.') != name.npos && name.size() <= kLongest;
@@ -114,6 +114,8 @@ std::string SafeName(std::string_view path) {
     std::string name = ReplaceIllegalChars(MakeValidUtf8(GetFileName(path)), "_");
     for (char& c : name)
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F || c == '*') c = '_';
+    // Servers keep files to themselves whose names begin so.
+    if (name.starts_with('.')) name.front() = '_';
     return name;
 }
 
@@ -267,8 +269,7 @@ std::string MediaPuller::RewriteStyles(const Task& task, std::string_view css,
     if (depth > kMaximumImports) return std::string(css);
     return RewriteStyleReferences(
         css, [&](const std::string& reference) -> std::optional<std::string> {
-            const auto found =
-                task.admission.Find(task.sourceFolders, reference, FileUse::Styled);
+            const auto found = task.admission.Find(task.sourceFolders, reference, FileUse::Styled);
             if (!found) return std::nullopt;
             const std::string name = Place(task, *found, depth);
             if (name.empty()) return std::nullopt;
@@ -342,9 +343,8 @@ void MediaPuller::PullArchives(const Task& task, dom::Node& applet,
         }
         used.push_back(name);
         const std::size_t at = item.find(address);
-        rewritten += item.substr(0, at) +
-                     RelativeLink(classes, BuildPath(task.folder.path, name)) + found->suffix +
-                     item.substr(at + address.size());
+        rewritten += item.substr(0, at) + RelativeLink(classes, BuildPath(task.folder.path, name)) +
+                     found->suffix + item.substr(at + address.size());
     }
     rewritten.erase(0, 1);
     if (rewritten != *list) task.document->setAttribute(applet, "archive", rewritten);
@@ -465,7 +465,7 @@ bool BringsFile(const dom::Node& element) {
 
 FileAdmission AdmissionOfProject(const ProjectContext& context) {
     FileAdmission admission(context.frame.files);
-    admission.AllowFolder(context.frame.settings.PreviewFolder, FileAdmission::Taking::Everything);
+    admission.AllowFolder(context.frame.settings.PreviewFolder, FileAdmission::Taking::HiddenToo);
     return admission;
 }
 

@@ -21,12 +21,12 @@ class MediaPuller {
     explicit MediaPuller(ProjectContext& context) : context_(context) {}
 
     /**
-     * Copies what `document` refers to and `admission` admits into `targetFolder`\media and rewrites
-     * the references to "media/<name>". Only local references change. Those to a missing picture or
-     * background are rewritten all the same, if a file beside the page can be meant; all others stay
-     * as they are written. Returns the paths of the files in the media folder, with those that
-     * pulled style sheets need in their turn. References are relative to `sourceFolders`; the first
-     * in which the file is found counts.
+     * Copies what `document` refers to and `admission` admits into `targetFolder`\media and
+     * rewrites the references to "media/<name>". Only local references change. Those to a missing
+     * picture or background are rewritten all the same, if a file beside the page can be meant; all
+     * others stay as they are written. Returns the paths of the files in the media folder, with
+     * those that pulled style sheets need in their turn. References are relative to
+     * `sourceFolders`; the first in which the file is found counts.
      */
     std::vector<std::string> Pull(dom::Document& document,
                                   const std::vector<std::string>& sourceFolders,

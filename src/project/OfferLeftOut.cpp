@@ -39,13 +39,14 @@ void OfferLeftOut(FrameContext& frame, const std::vector<LeftOutFile>& leftOut,
         for (const std::string& file : offered)
             shown.push_back(ToNativePath(file));
         const std::string text =
-            "The page names files that do not come along by themselves, since they lie elsewhere or "
+            "The page names files that do not come along by themselves, since they lie elsewhere "
+            "or "
             "are only linked to:\n\n" +
             Lines(shown, from) +
             "\n\nShould they be copied into the project? Whatever is in the project is published "
             "with it.";
-        if (frame.dialogs.MsgBox(
-                {text, title, Icon::Question, Buttons::YesNo, Answer::No}) != Answer::Yes)
+        if (frame.dialogs.MsgBox({text, title, Icon::Question, Buttons::YesNo, Answer::No}) !=
+            Answer::Yes)
             break;
         agreed.insert(agreed.end(), offered.begin() + long(from),
                       offered.begin() + long(std::min(offered.size(), from + kTold)));

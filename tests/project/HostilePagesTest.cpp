@@ -1,6 +1,6 @@
 // Pages that name what is not theirs, and pages that are no whole pages: they are taken in, edited,
-// saved, renamed and published. What a row says stands; everything else is as it was, byte for byte,
-// and nothing from outside of the folder is in the project.
+// saved, renamed and published. What a row says stands; everything else is as it was, byte for
+// byte, and nothing from outside of the folder is in the project.
 #include <sys/stat.h>
 
 #include <fstream>
@@ -25,16 +25,31 @@ struct Row {
 
 const char* const kCodes[] = {R"(<?php echo $x["a"]; ?>)", "<%= x %>", "{{ x.a }}", "{% x %}",
                               "${x}"};
-const char* const kPlacesOfCode[] = {
-    "<img src='@'>", "<img src='p/@.gif'>", "<img src='a.gif?v=@'>", "<img lowsrc='@'>",
-    "<img srcset='a.gif 1x, @ 2x'>", "<a href='@'>x</a>", "<a href='other.html?x=@'>x</a>",
-    "<table><tr><td background='@'>x</table>", "<link rel=stylesheet href='@'>", "<script src='@'></script>",
-    "<p style='background:url(@)'>x</p>", "<p style='color:@;background:url(a.gif)'>x</p>",
-    "<form action='@'></form>", "<input value='@' alt=@>", "<embed src='@'>",
-    "<object data='@'><param name=movie value='@'></object>", "<iframe srcdoc='<img src=a.gif>@'>"
-    "</iframe>", "<video poster='@' src='@'></video>", "<p>@</p>", "<!-- @ <img src=a.gif> -->",
-    "<script>var a = '@', b = 'a.gif';</script>", "<style>p { background: url(@) }</style>",
-    "<svg><image href='@'/><text>@</text></svg>", "<img @ alt=x>"};
+const char* const kPlacesOfCode[] = {"<img src='@'>",
+                                     "<img src='p/@.gif'>",
+                                     "<img src='a.gif?v=@'>",
+                                     "<img lowsrc='@'>",
+                                     "<img srcset='a.gif 1x, @ 2x'>",
+                                     "<a href='@'>x</a>",
+                                     "<a href='other.html?x=@'>x</a>",
+                                     "<table><tr><td background='@'>x</table>",
+                                     "<link rel=stylesheet href='@'>",
+                                     "<script src='@'></script>",
+                                     "<p style='background:url(@)'>x</p>",
+                                     "<p style='color:@;background:url(a.gif)'>x</p>",
+                                     "<form action='@'></form>",
+                                     "<input value='@' alt=@>",
+                                     "<embed src='@'>",
+                                     "<object data='@'><param name=movie value='@'></object>",
+                                     "<iframe srcdoc='<img src=a.gif>@'>"
+                                     "</iframe>",
+                                     "<video poster='@' src='@'></video>",
+                                     "<p>@</p>",
+                                     "<!-- @ <img src=a.gif> -->",
+                                     "<script>var a = '@', b = 'a.gif';</script>",
+                                     "<style>p { background: url(@) }</style>",
+                                     "<svg><image href='@'/><text>@</text></svg>",
+                                     "<img @ alt=x>"};
 
 const Row kRows[] = {
     {"from the root", "<img src='/images/logo.gif'>", "<img src='media/logo.gif'>"},
@@ -43,8 +58,9 @@ const Row kRows[] = {
     {"a file of the machine", "<img src=/etc/passwd>"},
     {"its address", "<img src='file:///etc/passwd'><a href='file:///etc/passwd'>x</a>"},
     {"with one slash", "<img src='file:/etc/passwd'>"},
-    {"the environment", "<img src=/proc/self/environ><a href='../../../../../proc/self/environ'>"
-                        "x</a><img src='file:///proc/self/pagemap'>"},
+    {"the environment",
+     "<img src=/proc/self/environ><a href='../../../../../proc/self/environ'>"
+     "x</a><img src='file:///proc/self/pagemap'>"},
     {"a device", "<img src='file:///dev/zero'><bgsound src='../../../../dev/zero'>"},
     {"beside the folder", "<img src=../home/pic.gif>"},
     {"encoded", "<img src='..%2fhome%2fpic.gif'><img src='%2e%2e/home/pic.gif'>"},
@@ -77,12 +93,14 @@ const Row kRows[] = {
     {"a preload", "<link rel=preload as=font href=f.woff2>",
      "<link rel=preload as=font href=media/f.woff2>"},
     {"one outside  ", "<link rel=preload as=image imagesrcset='../home/pic.gif 1x'>"},
-    {"styles", "<p style='background:url(../home/pic.gif)'>x</p><p style=\"background:url('a.gif')\">"
-               "x</p>",
+    {"styles",
+     "<p style='background:url(../home/pic.gif)'>x</p><p style=\"background:url('a.gif')\">"
+     "x</p>",
      "<p style='background:url(../home/pic.gif)'>x</p><p style=\"background:url('media/a.gif')\">x"
      "</p>"},
-    {"a style element", "<style>@import '../home/s.css'; p{background:url(/etc/passwd)}"
-                        "b{background:url(a.gif)}</style>",
+    {"a style element",
+     "<style>@import '../home/s.css'; p{background:url(/etc/passwd)}"
+     "b{background:url(a.gif)}</style>",
      "<style>@import '../home/s.css'; p{background:url(/etc/passwd)}b{background:url(media/a.gif)}"
      "</style>"},
     {"a script", "<script src=../home/s.js></script>"},
@@ -94,21 +112,25 @@ const Row kRows[] = {
      "<applet code=A archive='media/x.jar, ../home/x.jar,none.jar'></applet>"},
     {"archives beside classes", "<applet code=A codebase=java archive=y.jar></applet>",
      "<applet code=A codebase=java archive=../media/y.jar></applet>"},
-    {"film", "<video poster=../home/pic.gif src=../home/film.mp4><source src=../home/film.mp4>"
-             "<track src=../home/secret.txt></video>"},
+    {"film",
+     "<video poster=../home/pic.gif src=../home/film.mp4><source src=../home/film.mp4>"
+     "<track src=../home/secret.txt></video>"},
     {"a drawing", "<svg><image href='a.gif'/><image xlink:href='a.gif'/></svg>",
      "<svg><image href='media/a.gif'/><image xlink:href='media/a.gif'/></svg>"},
-    {"one with strange pictures", "<svg><image xlink:href='../home/pic.gif'/><use href='#a'/></svg>"},
+    {"one with strange pictures",
+     "<svg><image xlink:href='../home/pic.gif'/><use href='#a'/></svg>"},
     {"character data", "<svg><text><![CDATA[a < b && <img src=a.gif>]]></text></svg>"},
     {"mathematics", "<math><mtext href='../home/secret.txt'>x</mtext></math>"},
     {"a page in a tag", "<iframe srcdoc='<p><img src=a.gif alt=x></p>'></iframe>",
      "<iframe srcdoc='<p><img src=media/a.gif alt=x></p>'></iframe>"},
     {"one in it", "<iframe srcdoc='<iframe srcdoc=\"<img src=a.gif>\"></iframe>'></iframe>",
      "<iframe srcdoc='<iframe srcdoc=\"<img src=media/a.gif>\"></iframe>'></iframe>"},
-    {"one with secrets", "<iframe srcdoc='<img src=../home/pic.gif><a href=/etc/passwd>x</a>'>"
-                         "</iframe>"},
-    {"text of its own", "<noscript><img src=../home/pic.gif></noscript><textarea><img src=a.gif>"
-                        "</textarea>"},
+    {"one with secrets",
+     "<iframe srcdoc='<img src=../home/pic.gif><a href=/etc/passwd>x</a>'>"
+     "</iframe>"},
+    {"text of its own",
+     "<noscript><img src=../home/pic.gif></noscript><textarea><img src=a.gif>"
+     "</textarea>"},
     {"odd attributes", "<IMG SRC=no.gif\tAlt = \"&lt;\"  <?x ?>>",
      "<IMG SRC=media/no.gif\tAlt = \"&lt;\"  <?x ?>>"},
 };
@@ -294,18 +316,16 @@ TEST_F(HostilePages, TakenAloneBringWhatTheirTagsAreFor) {
     std::vector<std::string> offered;
     for (const LeftOutFile& file : added.leftOut)
         if (file.mayBeOffered) offered.push_back(file.reference);
-    EXPECT_THAT(offered, testing::UnorderedElementsAre(
-                             "report.pdf", "notes.gif", "notes.txt", "paper.pdf", "bad.svg",
-                             "../home/pic.gif", "../home/pic.gif", "../home/s.css"));
+    EXPECT_THAT(offered, testing::UnorderedElementsAre("report.pdf", "notes.gif", "notes.txt",
+                                                       "paper.pdf", "bad.svg", "../home/pic.gif",
+                                                       "../home/pic.gif", "../home/s.css"));
 
     // What the user agrees to comes along; the page and its style sheet stay where they are.
-    EXPECT_TRUE(added
-                    .takeLeftOut({test.folder.Path("site\\report.pdf"),
-                                  test.folder.Path("home\\pic.gif")})
-                    .empty());
-    EXPECT_EQ(test.Text(page),
-              ReplaceAll(ReplaceAll(alone, "=report.pdf", "=media/report.pdf"), "../home/pic.gif",
-                         "media/pic.gif"));
+    EXPECT_TRUE(
+        added.takeLeftOut({test.folder.Path("site\\report.pdf"), test.folder.Path("home\\pic.gif")})
+            .empty());
+    EXPECT_EQ(test.Text(page), ReplaceAll(ReplaceAll(alone, "=report.pdf", "=media/report.pdf"),
+                                          "../home/pic.gif", "media/pic.gif"));
     const std::string media = test.frame.settings.MediaFolder;
     EXPECT_EQ(test.Text(media + "\\report.pdf"), "%PDF report");
     EXPECT_THAT(test.Text(media + "\\s.css"), testing::HasSubstr("p{background:url(pic.gif)}"));
@@ -327,7 +347,8 @@ TEST_F(HostilePages, OfAnOpenProjectReachNothingOutsideOfIt) {
     const std::string up = "../../../../../../../../../..";
     const auto document = dom::Document::parseText(
         "<body background='file://" + ToNativePath(pic) + "'><img src='" + ToNativePath(pic) +
-        "'><img src='" + up + ToNativePath(pic) + "'><img src=link.gif><img src=/etc/passwd>"
+        "'><img src='" + up + ToNativePath(pic) +
+        "'><img src=link.gif><img src=/etc/passwd>"
         "<table background=/proc/self/environ><tr><td background=/dev/zero></table>");
     SaveAttachments(test.context, *document, root, *page);
     EXPECT_EQ(page->Attachments().Count(), 0);

@@ -73,8 +73,8 @@ Descriptor OpenWithoutLinks(const std::string& native) {
         if (slash == native.npos)
             return Descriptor(::openat(folder.Get(), name.c_str(),
                                        O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
-        folder = Descriptor(::openat(folder.Get(), name.c_str(),
-                                     O_PATH | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+        folder = Descriptor(
+            ::openat(folder.Get(), name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
         at = slash + 1;
     }
     return folder;

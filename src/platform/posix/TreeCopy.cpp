@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "platform/posix/Descriptor.h"
@@ -85,6 +86,7 @@ class TreeCopier {
         Descriptor target(::open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!target) return ErrorOf(errno);
         if (::fstat(target.Get(), &targetRoot_) != 0) return ErrorOf(errno);
+        sourceRoot_ = PathOf(source.Get());
         CopyFolder(std::move(source), target.Get());
         return first_;
     }
@@ -110,10 +112,11 @@ class TreeCopier {
         if (std::strchr(name, '\\')) return Note(FileError::BadName);
         unsigned char type = entry.d_type;
         if (type == DT_UNKNOWN) type = TypeOf(source, name, AT_SYMLINK_NOFOLLOW);
-        if (type == DT_LNK) type = TypeOf(source, name, 0) == DT_REG ? DT_REG : DT_LNK;
+        const bool isLink = type == DT_LNK;
+        if (isLink) type = TypeOf(source, name, 0) == DT_REG ? DT_REG : DT_LNK;
         switch (type) {
             case DT_REG:
-                return Note(CopyFile(source, target, name));
+                return Note(CopyFile(source, target, name, isLink));
             case DT_DIR:
                 return CopySubfolder(source, target, name);
             case DT_LNK:
@@ -121,6 +124,14 @@ class TreeCopier {
             default:
                 return Note(FileError::IO);  // a device, a pipe: nothing to be copied
         }
+    }
+
+    /** Of an open file or folder, without links; "" where the system does not tell. */
+    static std::string PathOf(int file) {
+        char path[PATH_MAX];
+        const std::string link = "/proc/self/fd/" + std::to_string(file);
+        const ssize_t length = ::readlink(link.c_str(), path, sizeof path);
+        return length > 0 ? std::string(path, std::size_t(length)) : std::string();
     }
 
     static unsigned char TypeOf(int folder, const char* name, int flags) {
@@ -142,11 +153,14 @@ class TreeCopier {
         CopyFolder(std::move(from), to.Get());
     }
 
-    FileError CopyFile(int source, int target, const char* name) {
-        Descriptor from(::openat(source, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    FileError CopyFile(int source, int target, const char* name, bool isLink) {
+        const int follow = isLink ? 0 : O_NOFOLLOW;
+        Descriptor from(::openat(source, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | follow));
         struct stat status;
         if (!from || ::fstat(from.Get(), &status) != 0) return ErrorOf(errno);
         if (!S_ISREG(status.st_mode)) return FileError::IO;  // swapped since it was looked at
+        if (isLink && !PathOf(from.Get()).starts_with(sourceRoot_ + "/"))
+            return FileError::NoPermission;
         const mode_t mode = status.st_mode & 0777;
         constexpr int create = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
         Descriptor to(::openat(target, name, create, mode));
@@ -167,6 +181,7 @@ class TreeCopier {
         return error;
     }
 
+    std::string sourceRoot_;
     struct stat targetRoot_ {};
     CopyMeans means_;
     FileError first_ = FileError::None;
