@@ -99,6 +99,7 @@ std::optional<FileUse> UseOf(const MediaAttribute& media, const dom::Node& eleme
 /** Whether a missing file can be meant: one beside the page, with a name that a file can have. */
 bool CanBeMissing(const std::string& value, const std::string& name) {
     const std::string path = SplitSuffix(Trim(value)).path;
+    const std::string last = path.substr(path.find_last_of("/\\") + 1);
     const bool isAbsolute =
         path.starts_with('/') || path.starts_with('\\') || path.find(':') != path.npos;
     const bool isGarbled =
@@ -107,7 +108,7 @@ bool CanBeMissing(const std::string& value, const std::string& name) {
         });
     constexpr std::size_t kLongest = 200;  // bytes; disks take 255
     return !isAbsolute && !isGarbled && !IsMadeByServer(value) && !IsServerScript(path) &&
-           name.find_first_not_of('.') != name.npos && name.size() <= kLongest;
+           last.find_first_not_of('.') != last.npos && name.size() <= kLongest;
 }
 
 std::string SafeName(std::string_view path) {
