@@ -25,11 +25,11 @@ Arguments ParseArguments(const std::vector<std::string>& words, const std::vecto
         const bool hasValue = equals < word.size();
         if (!option->value) {
             if (hasValue) throw UsageError{"The option " + name + " takes no value."};
-            arguments.options[name] = "";
+            arguments.options[name].push_back("");
         } else if (hasValue) {
-            arguments.options[name] = word.substr(equals + 1);
+            arguments.options[name].push_back(word.substr(equals + 1));
         } else if (i + 1 < words.size()) {
-            arguments.options[name] = words[++i];
+            arguments.options[name].push_back(words[++i]);
         } else {
             throw UsageError{"The option " + name + " needs a value: " + name + " " +
                              option->value + "."};

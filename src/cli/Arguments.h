@@ -19,12 +19,18 @@ struct Option {
 
 struct Arguments {
     std::vector<std::string> operands;
-    std::map<std::string, std::string> options;
+    std::map<std::string, std::vector<std::string>> options;  ///< values in their order
 
     bool Has(const std::string& option) const { return options.count(option) > 0; }
+    /** The last one counts. */
     std::string Value(const std::string& option, const std::string& otherwise = {}) const {
         const auto at = options.find(option);
-        return at == options.end() ? otherwise : at->second;
+        return at == options.end() ? otherwise : at->second.back();
+    }
+    /** Of an option that may be repeated. */
+    std::vector<std::string> Values(const std::string& option) const {
+        const auto at = options.find(option);
+        return at == options.end() ? std::vector<std::string>() : at->second;
     }
 };
 

@@ -20,17 +20,23 @@ const std::vector<Command>& Commands() {
          {{"--name", "NAME", "the project's name"}},
          RunNew},
         {"add",
-         "PROJECT.pwp PATH... [--folder KEY]",
+         "PROJECT.pwp PATH... [--folder KEY] [--with-files-from DIR]...",
          "Take HTML pages into a project.",
          "Each PATH is a page or a folder. Of a folder all pages are taken, and its sub-folders\n"
          "become project folders. Pictures, style sheets and scripts that the pages use come\n"
          "along, and links among the pages added together keep working though pages get new\n"
          "names. A page named index becomes the default page where there is none.\n"
+         "What lies outside of the folder PATH, or is hidden, stays behind; of a page that is "
+         "named\n"
+         "by itself, so does what its tags are not for. It is told, and the page keeps the "
+         "address\n"
+         "as it is written. --with-files-from takes such files along.\n"
          "Pages that can not be taken in are reported and left out; the rest is added all the\n"
          "same, and the exit code is 1.\n",
          2,
          kAnyNumber,
-         {{"--folder", "KEY", "add below this folder; `list` tells the keys"}},
+         {{"--folder", "KEY", "add below this folder; `list` tells the keys"},
+          {"--with-files-from", "DIR", "let pages bring files from there too; may be repeated"}},
          RunAdd},
         {"list",
          "PROJECT.pwp [--json]",

@@ -1,4 +1,5 @@
 // Commands about what a project holds: add, list, links, cat, rename, remove.
+#include <algorithm>
 #include <iostream>
 #include <optional>
 
@@ -97,6 +98,22 @@ void RenamePageFile(Session& session, Page& page, const std::string& name) {
     throw CommandFailure{isRenamed ? statement + " Nothing was changed." : statement};
 }
 
+std::string ExistingFolder(Session& session, const std::string& argument) {
+    const std::string folder = PathFromArgument(argument);
+    if (!FolderExists(session.Files(), folder))
+        throw CommandFailure{"There is no folder '" + argument + "'."};
+    return folder;
+}
+
+void PrintLeftOut(const std::vector<LeftOutFile>& leftOut) {
+    for (const auto& file : leftOut)
+        std::cerr << OneField(ReplaceAll(Describe(file), "\\", "/")) << "\n";
+    const bool canHelp = std::any_of(leftOut.begin(), leftOut.end(),
+                                     [](const LeftOutFile& file) { return file.mayBeOffered; });
+    if (canHelp)
+        std::cerr << "To take such files along, name their folder with --with-files-from.\n";
+}
+
 const char* StateText(LinkState state) {
     static constexpr const char* kTexts[] = {"stands", "missing", "not tested"};
     return kTexts[int(state)];
@@ -115,6 +132,8 @@ void RunAdd(const Invocation& invocation) {
     };
 
     Session session(invocation.profile);
+    for (const auto& folder : invocation.arguments.Values("--with-files-from"))
+        request.withFilesFrom.push_back(ExistingFolder(session, folder));
     session.Open(PathFromArgument(invocation.ProjectFile()));
     const ProjectItem target = GetProjectItem(session.Context(), request.folderKey);
     if (!request.folderKey.empty() && !target.folder && !target.site)
@@ -125,6 +144,7 @@ void RunAdd(const Invocation& invocation) {
     ThrowIfInterrupted();
     for (const auto& problem : result.problems)
         std::cerr << ReplaceAll(problem.reason, "\\", "/") << "\n";
+    PrintLeftOut(result.leftOut);
     if (!result.pageKeys.empty() || result.folders > 0) session.Save();
     std::cout << result.pageKeys.size() << (result.pageKeys.size() == 1 ? " page" : " pages")
               << " added.\n";

@@ -40,6 +40,7 @@ Session::Session(const std::string& profile)
       system_(MakeSystemInfo()),
       launcher_(MakeLauncher()),
       dialogs_(std::cerr) {
+    files_->isCancelled = IsInterrupted;
     const Places places = FindPlaces(profile);
     std::string message;
     hive_ = MakeFileHive(HiveFile(places), &message);
@@ -98,6 +99,7 @@ void Session::Save() {
     ThrowIfInterrupted();
     const bool isSaved = SaveProject(*context_, Proceed::Save, Silent::No);
     EndProgress();
+    if (!isSaved) ThrowIfInterrupted();
     if (!isSaved) throw CommandFailure{};
 }
 

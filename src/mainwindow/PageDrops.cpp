@@ -5,6 +5,7 @@
 #include "mainwindow/frmDocument.h"
 #include "mainwindow/frmMDIMain.h"
 #include "project/DroppedFiles.h"
+#include "project/OfferLeftOut.h"
 #include "project/omProj/Project.h"
 
 namespace pw {
@@ -31,6 +32,14 @@ void Insert(MainContext& context, frmDocument& page, Take take) {
     {
         const BusyPointer busy(context.window);
         taken = take();
+    }
+    OfferLeftOut(context.frame, taken.leftOut, [&](const std::vector<std::string>& files) {
+        const BusyPointer busy(context.window);
+        for (const std::string& problem : taken.takeLeftOut(files))
+            taken.problems.push_back(problem);
+    });
+    {
+        const BusyPointer busy(context.window);
         page.docDHTMLEditor.InsertMarkup(taken.html);
         if (taken.addedPages) {
             context.model.IsDirty = true;

@@ -26,6 +26,8 @@ std::string Describe(FileError error) {
             return "the folder is not empty";
         case FileError::BadName:
             return "the name cannot be used for a file";
+        case FileError::Cancelled:
+            return "it was cancelled";
         case FileError::IO:
             return "the disk reported an error";
     }

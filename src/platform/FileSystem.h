@@ -22,6 +22,7 @@ enum class FileError {
     NotFolder,
     NotEmpty,
     BadName,
+    Cancelled,
     IO
 };
 /** A short clause for messages, such as "the disk is full". */
@@ -31,6 +32,7 @@ struct FileInfo {
     bool exists = false;
     bool isFolder = false;
     bool isLink = false;
+    bool isRegular = false;  ///< a file with content of its own: no folder, link, pipe, device
     std::uint64_t size = 0;
     std::int64_t modified = 0;  ///< nanoseconds since 1970
 };
@@ -39,6 +41,7 @@ struct FolderEntry {
     std::string name;
     bool isFolder = false;
     bool isLink = false;
+    bool isRegular = false;
 };
 
 enum class Durability {
@@ -73,16 +76,39 @@ class FileSystem {
     [[nodiscard]] virtual FileError Rename(std::string_view from, std::string_view to) = 0;
     /** Replaces the target atomically. */
     [[nodiscard]] virtual FileError Replace(std::string_view from, std::string_view to) = 0;
-    /** Overwrites. Shares the blocks or copies inside the kernel where the disk can. */
+    /** Overwrites. Shares the blocks or copies inside the kernel where the disk can. Never takes
+     *  more bytes than the file had when it was opened. */
     [[nodiscard]] virtual FileError Copy(std::string_view from, std::string_view to) = 0;
     /**
      * Copies all below a folder into another, overwriting. Returns the first error but goes on. A
-     * link to a file is copied as that file; a link to a folder is left out and gives IsFolder.
+     * link to a file of the tree is copied as that file; one that leads out of it is left out and
+     * gives NoPermission, one to a folder IsFolder.
      */
     [[nodiscard]] virtual FileError CopyTree(std::string_view from, std::string_view to) = 0;
     [[nodiscard]] virtual FileError Sync(std::string_view path) = 0;  ///< a file or a folder
     /** Absolute path of an existing file or folder with links and dots resolved, or "". */
     virtual std::string Canonical(std::string_view path) const = 0;
+
+    /**
+     * For files that a stranger has named: `path` is as Canonical gives it, and where meanwhile a
+     * link, a pipe or a device has taken the place of any part of it, nothing is read. At most
+     * `most` bytes come, and never more than the file had when it was opened.
+     */
+    [[nodiscard]] virtual FileError ReadResolved(std::string_view path, std::string& bytes,
+                                                 std::uint64_t most = UINT64_MAX) const {
+        if (!Stat(path).isRegular) return FileError::IO;
+        const FileError error = Read(path, bytes);
+        if (bytes.size() > most) bytes.resize(std::size_t(most));
+        return error;
+    }
+    /** Copy, with the same care. */
+    [[nodiscard]] virtual FileError CopyResolved(std::string_view from, std::string_view to) {
+        return Stat(from).isRegular ? Copy(from, to) : FileError::IO;
+    }
+
+    /** Asked now and then within a long copy; true ends it with Cancelled, and the target is as it
+     *  was. */
+    std::function<bool()> isCancelled;
 };
 
 /** \home\ann to /home/ann, for the calls of the system and its libraries. */

@@ -42,6 +42,8 @@ struct PlannedPage {
     std::string targetFolder;
     std::string fileName;
     bool isDefault = false;
+    std::string key;         ///< once it is taken in
+    bool isLacking = false;  ///< something that it names was left out
 };
 
 bool IsIndexPage(std::string_view path) {
@@ -53,18 +55,34 @@ bool IsIndexPage(std::string_view path) {
 class Adding {
   public:
     Adding(ProjectContext& context, const AddFilesRequest& request)
-        : context_(context), request_(request), files_(context.frame.files), puller_(context) {}
+        : context_(context),
+          request_(request),
+          files_(context.frame.files),
+          puller_(context),
+          admission_(files_) {}
 
     AddFilesResult Run() {
         PlannedFolder top;
         for (const auto& path : request_.paths)
             Collect(path, top);
+        for (const auto& folder : request_.withFilesFrom)
+            admission_.AllowFolder(folder, FileAdmission::Taking::Everything);
         Plan(top, GetContainer(context_, request_.folderKey));
         for (std::size_t i = 0; i < pages_.size(); ++i) {
             Insert(pages_[i]);
             if (request_.progress) request_.progress(int(i + 1), int(pages_.size()));
         }
         return std::move(result_);
+    }
+
+    std::vector<AddFilesProblem> TakeLeftOut(const std::vector<std::string>& files) {
+        for (const auto& file : files)
+            admission_.AllowFile(file);
+        puller_.StartAgain();
+        result_ = {};
+        for (PlannedPage& page : pages_)
+            if (page.isLacking) Insert(page);
+        return std::move(result_.problems);
     }
 
   private:
@@ -79,12 +97,14 @@ class Adding {
         if (real.empty()) {
             Report(path, "'" + path + "' does not exist.");
         } else if (FolderExists(files_, real)) {
+            admission_.AllowFolder(real, FileAdmission::Taking::Everything);
             CollectFolder(real, into);
         } else if (!IsPageFilename(real)) {
             Report(path, "'" + path +
                              "' is no HTML page. Pictures, style sheets and the like come "
                              "along with the pages that use them.");
         } else {
+            admission_.AllowFile(real);
             into.pages.push_back(real);
         }
     }
@@ -111,8 +131,26 @@ class Adding {
                 CollectFolder(child, *folder);
                 if (folder->HasPages()) into.folders.push_back(std::move(folder));
             } else if (IsPageFilename(entry.name)) {
-                into.pages.push_back(child);
+                CollectPage(child, into);
             }
+        }
+    }
+
+    void CollectPage(const std::string& path, PlannedFolder& into) {
+        switch (admission_.Judge(path, FileUse::Linked)) {
+            case Verdict::Admitted:
+                into.pages.push_back(path);
+                break;
+            case Verdict::Missing:
+                Report(path, "'" + path + "' is a link to a file that is not there.");
+                break;
+            case Verdict::NoFile:
+                Report(path, "'" + path + "' is a device or a pipe and was left out.");
+                break;
+            default:
+                Report(path, "'" + path +
+                                 "' is a link to a file outside of the folder and was not "
+                                 "followed. If it is meant, please add that file by itself.");
         }
     }
 
@@ -141,7 +179,7 @@ class Adding {
         for (const auto& source : folder.pages) {
             // Given twice, a page is taken once.
             if (targets_.count(source)) continue;
-            PlannedPage page{source, container.Key(), target, {}, false};
+            PlannedPage page{source, container.Key(), target};
             // The first page of a site is its default page; of a folder only an index is.
             page.isDefault = !hasDefault && (container.site || IsIndexPage(source));
             hasDefault = hasDefault || page.isDefault;
@@ -179,38 +217,62 @@ class Adding {
 
     // Taking it in --------------------------------------------------------------------------------
 
-    void Insert(const PlannedPage& planned) {
+    /** A page that was taken by itself brings what its own folder holds. */
+    FileAdmission AdmissionOf(const PlannedPage& planned) const {
+        FileAdmission admission = admission_;
+        const std::string folder = GetParentFolder(planned.source);
+        if (!admission.AdmitsFolder(folder))
+            admission.AllowFolder(folder, FileAdmission::Taking::WhatTagsAreFor);
+        return admission;
+    }
+
+    void Insert(PlannedPage& planned) {
+        FileAdmission admission = AdmissionOf(planned);
         InsertPageRequest request;
         request.sourceFile = planned.source;
         request.folder = GetContainer(context_, planned.folderKey);
         request.fileName = planned.fileName;
         request.media = &puller_;
+        request.admission = &admission;
         request.rewriteLinks = [this](const PageBeingInserted& page) { RewriteLinks(page); };
+        request.again = planned.key.empty() ? nullptr : GetPage(context_, planned.key);
         std::string reason;
         Page* page = InsertPage(context_, request, &reason);
+        planned.isLacking = !admission.leftOut.empty();
+        for (auto& file : admission.leftOut)
+            result_.leftOut.push_back(std::move(file));
         if (!page) {
             Report(planned.source, reason);
             return;
         }
+        if (!planned.key.empty()) return;
+        planned.key = page->Key();
         if (planned.isDefault) SetDefaultPage(context_, *page);
         result_.pageKeys.push_back(page->Key());
     }
 
     void RewriteLinks(const PageBeingInserted& page) {
-        RewriteLinkAttributes(page.document,
-                              [&](const std::string& value) { return NewLink(page, value); });
+        RewriteLinkAttributes(
+            page.document, [&](const std::string& value) { return NewLink(page, value); },
+            BringsFile);
     }
 
     std::optional<std::string> NewLink(const PageBeingInserted& page, const std::string& value) {
-        const auto candidates = ReferenceCandidates(page.sourceFolder, value);
-        for (const auto& candidate : candidates)
-            if (const std::string* target = TargetOf(candidate.path))
-                return RelativeLink(page.targetFolder, *target) + candidate.suffix;
-        // A link from the root is one of a server: what lies there on this machine is not meant.
-        const auto file = Trim(value).starts_with('/')
-                              ? std::nullopt
-                              : FindReferencedFile(files_, {page.sourceFolder}, value);
-        return file && !IsPageFilename(file->path) ? PullAlong(page, *file) : std::nullopt;
+        if (IsMadeByServer(value)) return std::nullopt;
+        std::string text = Trim(value);
+        std::vector<std::string> folders{page.sourceFolder};
+        if (text.starts_with('/')) {
+            folders = page.admission.Roots(page.sourceFolder);
+            text.erase(0, std::min(text.find_first_not_of('/'), text.size()));
+        }
+        for (const auto& folder : folders)
+            for (const auto& candidate : ReferenceCandidates(folder, text))
+                if (const std::string* target = TargetOf(candidate.path))
+                    return RelativeLink(page.targetFolder, *target) + candidate.suffix;
+        // A page that is not added now is no file that comes along.
+        if (IsPageFilename(SplitSuffix(text).path)) return std::nullopt;
+        const auto file = page.admission.Find({page.sourceFolder}, value, FileUse::Linked);
+        return file ? PullAlong(page, *file) : std::nullopt;
     }
 
     /** Where a file or folder that a link leads to lies from now on; none when it stays outside. */
@@ -222,9 +284,8 @@ class Adding {
     }
 
     /** A document or an archive that a page offers: it lies with the media. */
-    std::optional<std::string> PullAlong(const PageBeingInserted& page,
-                                         const ReferenceCandidate& file) {
-        const auto pulled = puller_.PullFile(file.path, page.targetFolder);
+    std::optional<std::string> PullAlong(const PageBeingInserted& page, const AdmittedFile& file) {
+        const auto pulled = puller_.PullFile(file, page.targetFolder, page.admission);
         if (pulled.empty()) return std::nullopt;
         for (const auto& path : pulled)
             AddSystemAttachment(context_, path, page.page);
@@ -232,9 +293,10 @@ class Adding {
     }
 
     ProjectContext& context_;
-    const AddFilesRequest& request_;
+    const AddFilesRequest request_;
     FileSystem& files_;
     MediaPuller puller_;
+    FileAdmission admission_;  ///< what all pages may bring
     AddFilesResult result_;
     std::vector<PlannedPage> pages_;
     std::unordered_map<std::string, std::string> targets_;  ///< page to be taken in: its new path
@@ -244,10 +306,18 @@ class Adding {
 }  // namespace
 
 AddFilesResult AddFiles(ProjectContext& context, const AddFilesRequest& request) {
-    const AddFilesResult failure{
-        {}, 0, {{"", "Not all files could be taken in. The error log tells more."}}};
-    return Trap(context.frame.errorLog, kModule, "AddFiles", failure,
-                [&] { return Adding(context, request).Run(); });
+    AddFilesResult failure;
+    failure.problems = {{"", "Not all files could be taken in. The error log tells more."}};
+    ErrorLog& log = context.frame.errorLog;
+    return Trap(log, kModule, "AddFiles", failure, [&] {
+        const auto adding = std::make_shared<Adding>(context, request);
+        AddFilesResult result = adding->Run();
+        result.takeLeftOut = [adding, &log, problems = failure.problems](const auto& files) {
+            return Trap(log, kModule, "TakeLeftOut", problems,
+                        [&] { return adding->TakeLeftOut(files); });
+        };
+        return result;
+    });
 }
 
 }  // namespace pw

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "project/FileAdmission.h"
 #include "project/ProjectContext.h"
 
 namespace pw {
@@ -15,6 +16,8 @@ struct AddFilesRequest {
     std::vector<std::string> paths;
     std::string folderKey;  ///< where to; "" for the top level
     std::function<void(int done, int total)> progress;
+    /** Folders whose files may come along too, though no page of them is taken. */
+    std::vector<std::string> withFilesFrom;
 };
 
 struct AddFilesProblem {
@@ -27,6 +30,11 @@ struct AddFilesResult {
     int folders = 0;                    ///< new ones
     /** What could not be taken; the rest was. */
     std::vector<AddFilesProblem> problems;
+    /** What the pages name and may not have, as long as nobody has agreed to it. */
+    std::vector<LeftOutFile> leftOut;
+    /** Takes these files along after all and makes the pages that name them anew; answers what
+     * could not be taken. To be called before anything else is done to the pages. */
+    std::function<std::vector<AddFilesProblem>(const std::vector<std::string>& files)> takeLeftOut;
 };
 
 AddFilesResult AddFiles(ProjectContext& context, const AddFilesRequest& request);

@@ -50,9 +50,12 @@ void DropStale(Page& page) {
 Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page) {
     const auto body = [&]() -> Attachment* {
         if (!FileExists(context.frame.files, path)) return nullptr;
-        if (IsInProject(context, path)) return AddInUse(context, std::string(path), page);
-        const auto pulled =
-            MediaPuller(context).PullFile(std::string(path), GetPageFolder(context, page.Key()));
+        if (IsInProject(context, path))
+            return AdmissionOfProject(context).Admits(path, FileUse::Linked)
+                       ? AddInUse(context, std::string(path), page)
+                       : nullptr;
+        const auto pulled = MediaPuller(context).PullChosenFile(std::string(path),
+                                                                GetPageFolder(context, page.Key()));
         for (auto file = pulled.rbegin(); file != pulled.rend(); ++file) {
             Attachment* attachment = AddInUse(context, *file, page);
             if (file + 1 == pulled.rend()) return attachment;
@@ -69,10 +72,11 @@ void SaveAttachments(ProjectContext& context, const dom::Document& document,
         DropStale(page);
         if (!document.frames().empty()) return;
 
+        // Whoever made the page, nothing from outside of the project comes in by opening or saving.
+        FileAdmission admission = AdmissionOfProject(context);
         const auto add = [&](const std::string& reference) {
-            if (reference.empty()) return;
-            const std::string path = ResolvePath(context, reference, baseURL);
-            if (!path.empty()) AddSystemAttachment(context, path, page);
+            const auto file = admission.Find({std::string(baseURL)}, reference, FileUse::Picture);
+            if (file) AddInUse(context, file->named, page);
         };
         if (const dom::Node* body = document.body()) add(body->getAttribute("background"));
         for (const dom::Node* image : document.images()) {

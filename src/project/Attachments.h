@@ -14,11 +14,13 @@ class Page;
 
 /**
  * Adds a file to a page as in use, which survives every scan. A file outside the project's folder
- * is copied into the page's `media` folder first. None when the file is missing.
+ * is one that the user chose, and is copied into the page's `media` folder first. None when the
+ * file is missing.
  */
 Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page);
 
-/** Rescans a page. References in the document are relative to `baseURL`. */
+/** Rescans a page. References in the document are relative to `baseURL`; only files of the project
+ *  count. */
 void SaveAttachments(ProjectContext& context, const dom::Document& document,
                      std::string_view baseURL, Page& page);
 

@@ -5,6 +5,7 @@
 #include "project/Attachments.h"
 #include "project/InsertPage.h"
 #include "project/LinkAttributes.h"
+#include "project/Media.h"
 #include "project/References.h"
 #include "project/Workspace.h"
 
@@ -23,10 +24,10 @@ std::string ClipboardFolder(const ProjectContext& context) {
 std::optional<std::string> LinkFromElsewhere(const ProjectContext& context,
                                              const PageBeingInserted& copy,
                                              const std::string& value) {
-    const auto found = FindReferencedFile(context.frame.files, {copy.sourceFolder}, value);
-    if (!found || !IsInFolder(found->path, context.frame.settings.PreviewFolder))
+    const auto found = copy.admission.Find({copy.sourceFolder}, value, FileUse::Linked);
+    if (!found || !IsInFolder(found->named, context.frame.settings.PreviewFolder))
         return std::nullopt;
-    return RelativeLink(copy.targetFolder, found->path) + found->suffix;
+    return RelativeLink(copy.targetFolder, found->named) + found->suffix;
 }
 
 }  // namespace
@@ -63,6 +64,9 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
     request.folder = GetContainer(context, targetKey);
     request.copyOfName = context.copiedPage.title;
     request.show = ShowInsertedPage::Yes;
+    FileAdmission admission = AdmissionOfProject(context);
+    admission.AllowFolder(GetParentFolder(request.sourceFile), FileAdmission::Taking::Everything);
+    request.admission = &admission;
     request.rewriteLinks = [&](const PageBeingInserted& copy) {
         if (copy.sourceFolder == copy.targetFolder) return;
         RewriteLinkAttributes(copy.document, [&](const std::string& value) {

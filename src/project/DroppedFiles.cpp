@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 #include <optional>
 
 #include "frame/Context.h"
@@ -58,7 +59,8 @@ class Taking {
           files_(context.frame.files),
           pageKey_(pageKey),
           folder_(GetPageFolder(context, pageKey)),
-          puller_(context) {}
+          puller_(context),
+          admission_(files_) {}
 
     void Take(const std::string& file) {
         const std::string real = files_.Canonical(file);
@@ -66,6 +68,7 @@ class Taking {
         const FileInfo info = files_.Stat(real);
         if (info.isFolder)
             return Refuse(file, "is a folder", "Please open it and drop the files in it.");
+        if (!info.isRegular) return Refuse(file, "is a device or a pipe", "");
         if (info.size == 0) return Refuse(file, "is empty", "");
         if (info.size > kLargest)
             return Refuse(file, "is larger than 100 MB, which is too much for a web site",
@@ -91,7 +94,21 @@ class Taking {
     }
     TakenFiles Finish() {
         TakePages();
+        for (LeftOutFile& file : admission_.leftOut)
+            result_.leftOut.push_back(std::move(file));
         return std::move(result_);
+    }
+    std::vector<std::string> TakeLeftOut(const std::vector<std::string>& files) {
+        result_ = {};
+        for (const std::string& file : files)
+            admission_.AllowFile(file);
+        puller_.StartAgain();
+        for (const std::string& file : copied_)
+            Keep(Copy(file));
+        if (takeLeftOutOfPages_)
+            for (const AddFilesProblem& problem : takeLeftOutOfPages_(files))
+                result_.problems.push_back(problem.reason);
+        return std::move(result_.problems);
     }
 
   private:
@@ -106,7 +123,13 @@ class Taking {
 
     /** The path of the copy; "", with a problem noted, when there is none. */
     std::string Copy(const std::string& file) {
-        const auto copied = puller_.PullFile(file, folder_);
+        admission_.AllowFile(file);
+        // What a style sheet brings along lies beside it.
+        admission_.AllowFolder(GetParentFolder(file), FileAdmission::Taking::WhatTagsAreFor);
+        AdmittedFile admitted{file, "", ""};
+        std::vector<std::string> copied;
+        if (admission_.Judge(file, FileUse::Linked, &admitted.real) == Verdict::Admitted)
+            copied = puller_.PullFile(admitted, folder_, admission_);
         if (!copied.empty()) {
             others_.assign(copied.begin() + 1, copied.end());
             return copied.front();
@@ -123,19 +146,27 @@ class Taking {
     void TakeDocument(const std::string& file) {
         const std::string copy = Copy(file);
         if (copy.empty()) return;
-        // No scan finds what a page only links to.
-        if (Page* page = GetPage(context_, pageKey_)) {
-            AddSystemAttachment(context_, copy, *page);
-            for (const std::string& needed : others_)
-                AddSystemAttachment(context_, needed, *page);
-        }
+        copied_.push_back(file);
+        Keep(copy);
         Append(LinkTo(RelativeLink(folder_, copy), MakeValidUtf8(GetFileName(file))), "<br>");
+    }
+    /** No scan finds what a page only links to. */
+    void Keep(const std::string& copy) {
+        Page* page = GetPage(context_, pageKey_);
+        if (!page || copy.empty()) return;
+        AddSystemAttachment(context_, copy, *page);
+        for (const std::string& needed : others_)
+            AddSystemAttachment(context_, needed, *page);
     }
     /** All at once, so that links among them go on working. */
     void TakePages() {
         if (pages_.empty()) return;
-        const AddFilesResult added =
-            AddFiles(context_, {pages_, GetContainer(context_, pageKey_).Key(), nullptr});
+        AddFilesRequest request;
+        request.paths = pages_;
+        request.folderKey = GetContainer(context_, pageKey_).Key();
+        const AddFilesResult added = AddFiles(context_, request);
+        result_.leftOut = added.leftOut;
+        takeLeftOutOfPages_ = added.takeLeftOut;
         for (const AddFilesProblem& problem : added.problems)
             result_.problems.push_back(problem.reason);
         for (const std::string& key : added.pageKeys) {
@@ -150,9 +181,13 @@ class Taking {
 
     ProjectContext& context_;
     FileSystem& files_;
-    const std::string& pageKey_;
+    const std::string pageKey_;
     const std::string folder_;
     MediaPuller puller_;
+    FileAdmission admission_;
+    std::function<std::vector<AddFilesProblem>(const std::vector<std::string>&)>
+        takeLeftOutOfPages_;
+    std::vector<std::string> copied_;  ///< documents that were taken
     std::vector<std::string> pages_;
     std::vector<std::string> others_;  ///< what the last copy needs in its turn
     TakenFiles result_;
@@ -186,7 +221,7 @@ std::string PastedName(std::string_view extension) {
 std::optional<std::string> CopyToMedia(ProjectContext& context, const std::string& pageKey,
                                        const std::string& file) {
     const std::string folder = GetPageFolder(context, pageKey);
-    const auto copied = MediaPuller(context).PullFile(file, folder);
+    const auto copied = MediaPuller(context).PullChosenFile(file, folder);
     if (copied.empty()) return std::nullopt;
     return RelativeLink(folder, copied.front());
 }
@@ -209,23 +244,17 @@ std::optional<std::string> AdoptData(ProjectContext& context, const std::string&
     return address;
 }
 
-/** A page from elsewhere may name any file: what is no picture stays where it is. */
-bool IsReadablePicture(const FileSystem& files, const std::string& path) {
-    const std::string extension = ToLower(GetExtension(path));
-    if (!IsPicture(path)) return false;
-    for (const char* unmeasured : {"jpe", "webp", "avif", "svg"})
-        if (extension == unmeasured) return true;
-    ImageInfo size;
-    return ReadImageInfo(files, path, size);
-}
-
 std::optional<std::string> AdoptPicture(ProjectContext& context, const std::string& pageKey,
                                         const std::string& address) {
     if (StartsWithNoCase(address, "data:")) return AdoptData(context, pageKey, address);
-    const auto file =
-        FindReferencedFile(context.frame.files, {GetPageFolder(context, pageKey)}, address);
-    if (!file || !IsReadablePicture(context.frame.files, file->path)) return std::nullopt;
-    return CopyToMedia(context, pageKey, file->path);
+    const std::string folder = GetPageFolder(context, pageKey);
+    FileAdmission admission = AdmissionOfProject(context);
+    admission.AllowPicturesByAddress();
+    const auto picture = admission.Find({folder}, address, FileUse::Picture);
+    if (!picture) return std::nullopt;
+    const auto copied = MediaPuller(context).PullFile(*picture, folder, admission);
+    if (copied.empty()) return std::nullopt;
+    return RelativeLink(folder, copied.front());
 }
 
 std::optional<std::string> AdoptLink(ProjectContext& context, const std::string& pageKey,
@@ -247,18 +276,26 @@ std::optional<std::string> AdoptLink(ProjectContext& context, const std::string&
 
 TakenFiles TakeFiles(ProjectContext& context, const std::string& pageKey,
                      const std::vector<std::string>& files) {
-    const TakenFiles failure{"", false, {"The files could not be taken in."}};
-    return Trap(context.frame.errorLog, kModule, "TakeFiles", failure, [&] {
-        Taking taking(context, pageKey);
+    TakenFiles failure;
+    failure.problems = {"The files could not be taken in."};
+    ErrorLog& log = context.frame.errorLog;
+    return Trap(log, kModule, "TakeFiles", failure, [&] {
+        const auto taking = std::make_shared<Taking>(context, pageKey);
         for (const std::string& file : files)
-            taking.Take(file);
-        return taking.Finish();
+            taking->Take(file);
+        TakenFiles taken = taking->Finish();
+        taken.takeLeftOut = [taking, &log, problems = failure.problems](const auto& more) {
+            return Trap(log, kModule, "TakeLeftOut", problems,
+                        [&] { return taking->TakeLeftOut(more); });
+        };
+        return taken;
     });
 }
 
 TakenFiles TakePicture(ProjectContext& context, const std::string& pageKey, std::string_view bytes,
                        std::string_view extension) {
-    const TakenFiles failure{"", false, {"The picture could not be taken in."}};
+    TakenFiles failure;
+    failure.problems = {"The picture could not be taken in."};
     return Trap(context.frame.errorLog, kModule, "TakePicture", failure, [&] {
         const PassingFile file(context, PastedName(extension), bytes);
         if (file.Path().empty()) return failure;

@@ -1,11 +1,13 @@
 #include "project/InsertPage.h"
 
+#include <optional>
 #include <unordered_set>
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "project/Attachments.h"
+#include "project/FileAdmission.h"
 #include "project/Media.h"
 #include "project/MergeVariables.h"
 #include "project/Paths.h"
@@ -19,6 +21,7 @@ namespace {
 constexpr std::string_view kModule = "ProjectFunctions.";
 constexpr std::string_view kTitleMark = "[%#TITLE#%]";
 constexpr const char* kPageExtension = ".htm";
+constexpr int kDeepestFrame = 3;
 
 /** As a browser shows it: blanks and line ends count as one blank. */
 std::string CollapseBlanks(std::string_view text) {
@@ -61,9 +64,19 @@ void ReplaceTitleMark(dom::Document& document, const std::string& title) {
 class Insertion {
   public:
     Insertion(ProjectContext& context, const InsertPageRequest& request)
-        : context_(context), request_(request), files_(context.frame.files) {}
+        : context_(context),
+          request_(request),
+          files_(context.frame.files),
+          own_(files_),
+          admission_(request.admission ? *request.admission : own_) {
+        if (request.admission) return;
+        own_.AllowFile(request.sourceFile);
+        own_.AllowFolder(GetParentFolder(request.sourceFile),
+                         FileAdmission::Taking::WhatTagsAreFor);
+    }
 
     Page* Run() {
+        if (request_.again) return RunAgain();
         // 1. Nothing is done for a file that is not there.
         Load();
         // 2. and 3. A number, and a place in the tree.
@@ -81,9 +94,22 @@ class Insertion {
     }
 
   private:
+    Page* RunAgain() {
+        Load();
+        page_ = request_.again;
+        targetFolder_ = GetParentFolder(page_->Filename);
+        Fill(page_->Number);
+        context_.project.IsDirty = true;
+        return page_;
+    }
+
     void Load() {
+        admission_.page = request_.sourceFile;
+        std::string real;
+        if (admission_.Judge(request_.sourceFile, FileUse::Linked, &real) != Verdict::Admitted)
+            throw Failure("it is no regular file in the folder that was named");
         std::string bytes;
-        const FileError error = files_.Read(request_.sourceFile, bytes);
+        const FileError error = files_.ReadResolved(real, bytes);
         if (error != FileError::None) throw Failure("it can not be read: " + Describe(error));
         dom::ParseError problem;
         document_ = dom::Document::parse(bytes, &problem);
@@ -124,7 +150,7 @@ class Insertion {
         std::vector<std::string> folders;
         if (!request_.baseFolder.empty()) folders.push_back(request_.baseFolder);
         folders.push_back(GetParentFolder(request_.sourceFile));
-        folders = TakeOverBase(*document_, folders);
+        folders = TakeOverBase(*document_, folders, admission_);
         if (folders.empty()) return {};
         MediaPuller own(context_);
         MediaPuller& puller = request_.media ? *request_.media : own;
@@ -135,21 +161,41 @@ class Insertion {
         for (dom::Node* noframes : document_->tags("NOFRAMES")) {
             dom::Node* text = noframes->firstChild();
             if (!text || !text->isText()) continue;
-            const auto inner = dom::Document::parseText(text->data(), document_->encoding());
-            if (!inner) continue;
-            const auto more = RewriteReferencesIn(*inner, folders, puller);
-            media.insert(media.end(), more.begin(), more.end());
-            if (inner->isDirty()) document_->setText(*text, inner->html());
+            if (const auto inner = RewriteInner(text->data(), folders, puller, media))
+                document_->setText(*text, *inner);
         }
         return media;
+    }
+
+    /** A page that stands as text in another; none when nothing of it changes. */
+    std::optional<std::string> RewriteInner(const std::string& text,
+                                            const std::vector<std::string>& folders,
+                                            MediaPuller& puller, std::vector<std::string>& media) {
+        const auto inner = dom::Document::parseText(text, document_->encoding());
+        if (!inner) return std::nullopt;
+        const auto more = RewriteReferencesIn(*inner, folders, puller);
+        media.insert(media.end(), more.begin(), more.end());
+        return inner->isDirty() ? std::optional(inner->html()) : std::nullopt;
     }
 
     std::vector<std::string> RewriteReferencesIn(dom::Document& document,
                                                  const std::vector<std::string>& folders,
                                                  MediaPuller& puller) {
         if (request_.rewriteLinks)
-            request_.rewriteLinks({document, *page_, folders.front(), targetFolder_});
-        return puller.Pull(document, folders, targetFolder_);
+            request_.rewriteLinks({document, *page_, folders.front(), targetFolder_, admission_});
+        auto media = puller.Pull(document, folders, targetFolder_, admission_);
+        // So is what a frame within a page holds in its own tag.
+        const std::vector<dom::Node*> frames = document.tags("IFRAME");
+        if (++depth_ <= kDeepestFrame) {
+            for (dom::Node* frame : frames) {
+                const std::string* page = frame->attribute("srcdoc");
+                if (!page || HoldsServerCode(*page)) continue;
+                if (const auto inner = RewriteInner(*page, folders, puller, media))
+                    document.setAttribute(*frame, "srcdoc", *inner);
+            }
+        }
+        --depth_;
+        return media;
     }
 
     std::string SetTitle(int pageNumber) {
@@ -185,8 +231,9 @@ class Insertion {
     }
 
     void Write() {
-        const std::string name = request_.fileName.empty() ? ChooseName() : request_.fileName;
-        page_->Filename = BuildPath(targetFolder_, name);
+        if (!request_.again)
+            page_->Filename = BuildPath(
+                targetFolder_, request_.fileName.empty() ? ChooseName() : request_.fileName);
         FileError error = files_.MakeFolder(targetFolder_);
         if (error == FileError::None) error = files_.Write(page_->Filename, document_->bytes());
         if (error != FileError::None) throw Failure("it can not be written: " + Describe(error));
@@ -216,6 +263,9 @@ class Insertion {
     ProjectContext& context_;
     const InsertPageRequest& request_;
     FileSystem& files_;
+    FileAdmission own_;
+    FileAdmission& admission_;
+    int depth_ = 0;  ///< of the frame that is being read
     std::unique_ptr<dom::Document> document_;
     Container container_;
     Page* page_ = nullptr;
@@ -232,8 +282,11 @@ std::string ChoosePageName(const ProjectContext& context, const std::string& sou
         name = std::string("index") + kPageExtension;
     } else if (!isTemplate) {
         name = ToLower(MakeValidUtf8(GetBaseName(sourceFile))) + kPageExtension;
-        for (char& c : name)
-            if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '_';
+        for (char& c : name) {
+            const auto code = static_cast<unsigned char>(c);
+            if (code < 0x20 || code == 0x7F || !IsFilenameKey(code)) c = '_';
+        }
+        if (!DiskNameProblem("file", name).empty()) name.clear();
     }
     if (!name.empty() && !isTaken(name)) return name;
     for (int number = 1;; ++number) {

@@ -9,6 +9,7 @@
 
 namespace pw {
 
+class FileAdmission;
 class MediaPuller;
 
 enum class ShowInsertedPage { No, Yes };
@@ -20,6 +21,7 @@ struct PageBeingInserted {
     Page& page;                       ///< may be given attachments
     const std::string& sourceFolder;  ///< what references are relative to
     const std::string& targetFolder;  ///< where the new file will lie
+    FileAdmission& admission;
 };
 
 struct InsertPageRequest {
@@ -39,12 +41,17 @@ struct InsertPageRequest {
      *  page: for its frames, and for the text that stands in their place where there are none. */
     std::function<void(const PageBeingInserted&)> rewriteLinks;
     MediaPuller* media = nullptr;  ///< shared, so that no picture is looked at twice
+    /** What may come along, the source file included; none: what the page's tags are for and its
+     *  own folder holds. Notes what was left out. */
+    FileAdmission* admission = nullptr;
+    /** A page of an earlier insertion from the same file: it is made anew in its place. */
+    Page* again = nullptr;
 };
 
 /**
  * Inserts the page and returns it; none on failure, with the project as it was and a sentence for
- * the user in `reason`. Pictures, backgrounds, style sheets and scripts that lie on this machine
- * are copied into the `media` folder beside the page; everything else keeps its bytes.
+ * the user in `reason`. Pictures, backgrounds, style sheets and scripts that are admitted are
+ * copied into the `media` folder beside the page; everything else keeps its bytes.
  */
 Page* InsertPage(ProjectContext& context, const InsertPageRequest& request,
                  std::string* reason = nullptr);

@@ -3,8 +3,9 @@
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
-#include "project/InsertPage.h"
+#include "project/AddFiles.h"
 #include "project/Journal.h"
+#include "project/OfferLeftOut.h"
 #include "project/Pages.h"
 #include "project/ProjectLocking.h"
 #include "project/Scratch.h"
@@ -235,20 +236,28 @@ bool OpenHTMLAsProject(ProjectContext& context, const std::string& path) {
         if (context.project.Busy()) return false;
         InitNewProject(context);
         context.workspace.ResetUI();
-        InsertPageRequest request;
-        request.sourceFile = path;
-        request.show = ShowInsertedPage::Yes;
-        std::string reason;
-        if (!InsertPage(context, request, &reason)) {
+        AddFilesRequest request;
+        request.paths = {path};
+        const AddFilesResult added = AddFiles(context, request);
+        if (added.pageKeys.empty()) {
+            const std::string reason = added.problems.empty() ? "" : added.problems.front().reason;
             Tell(context, Silent::No,
                  "Page " + QuoteSingle(GetFileName(path)) + " can not be opened. " + reason);
             context.workspace.ResetUI();
             return false;
         }
+        OfferLeftOut(context.frame, added.leftOut, [&](const std::vector<std::string>& files) {
+            for (const AddFilesProblem& problem : added.takeLeftOut(files))
+                Tell(context, Silent::No, problem.reason);
+        });
         context.project.Name = GetBaseName(path);
         context.project.IsLoaded = true;
         context.project.IsDirty = true;
         context.workspace.RefillProjectExplorer();
+        if (const Page* page = GetPage(context, added.pageKeys.front())) {
+            context.workspace.SelectProjectNode(page->Key());
+            context.workspace.ShowPage(page->Key(), page->Name, page->Filename, page->PageType);
+        }
         context.workspace.RefreshCaption();
         context.workspace.ResetUI();
         return true;

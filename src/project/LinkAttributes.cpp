@@ -55,10 +55,11 @@ void ForEachLink(std::string_view html, const std::function<void(const std::stri
 
 void RewriteLinkAttributes(
     dom::Document& document,
-    const std::function<std::optional<std::string>(const std::string&)>& rewrite) {
+    const std::function<std::optional<std::string>(const std::string&)>& rewrite,
+    bool (*skip)(const dom::Node&)) {
     const dom::Document::Step step(document);
     for (dom::Node* node = document.root(); node; node = node->following()) {
-        if (!node->isElement()) continue;
+        if (!node->isElement() || (skip && skip(*node))) continue;
         const std::string_view name = LinkAttributeOf(node->localName());
         const std::string* value = name.empty() ? nullptr : node->attribute(name);
         if (value && IsLocalReference(*value)) {

@@ -20,10 +20,11 @@ void ForEachLink(std::string_view html, const std::function<void(const std::stri
 /**
  * Calls `rewrite` with the value of every attribute that leads to another page or
  * file (links, frames, targets of forms, refreshes; not pictures and other media), and sets what it
- * answers.
+ * answers. Elements that `skip` names are passed over.
  */
 void RewriteLinkAttributes(
     dom::Document& document,
-    const std::function<std::optional<std::string>(const std::string&)>& rewrite);
+    const std::function<std::optional<std::string>(const std::string&)>& rewrite,
+    bool (*skip)(const dom::Node&) = nullptr);
 
 }  // namespace pw

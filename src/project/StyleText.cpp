@@ -1,6 +1,7 @@
 #include "project/StyleText.h"
 
 #include <cctype>
+#include <utility>
 
 #include "platform/Text.h"
 
@@ -36,6 +37,8 @@ class StyleScanner {
             if (c == '/' && StandsAt(css_, "/*", at_)) {
                 const auto end = css_.find("*/", at_ + 2);
                 at_ = end == npos ? css_.size() : end + 2;
+            } else if (const std::size_t behind = EndOfCode(at_); behind > at_) {
+                at_ = behind;
             } else if (c == '"' || c == '\'') {
                 const std::size_t end = EndOfString(at_);
                 if (isImport && end < css_.size()) Replace(at_ + 1, end, css_[at_]);
@@ -57,6 +60,18 @@ class StyleScanner {
 
   private:
     bool IsInName(std::size_t at) const { return at > 0 && IsNameCharacter(css_[at - 1]); }
+
+    /** Place behind code of a server that begins here; the place itself when none does. */
+    std::size_t EndOfCode(std::size_t at) const {
+        static constexpr std::pair<std::string_view, std::string_view> kinds[] = {
+            {"<?", "?>"}, {"<%", "%>"}, {"{{", "}}"}, {"{%", "%}"}};
+        for (const auto& [open, close] : kinds) {
+            if (css_.compare(at, open.size(), open) != 0) continue;
+            const auto end = css_.find(close, at + open.size());
+            return end == npos ? at : end + close.size();
+        }
+        return at;
+    }
 
     /** Place of the closing quote, or the end of the text. */
     std::size_t EndOfString(std::size_t open) const {

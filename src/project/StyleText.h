@@ -8,7 +8,8 @@ namespace pw {
 
 /**
  * Calls `rewrite` with every reference in CSS text, in url() and @import, and puts what it answers
- * in the place of the reference; nothing else changes. Comments are passed over.
+ * in the place of the reference; nothing else changes. Comments and the
+ * code of servers are passed over.
  */
 std::string RewriteStyleReferences(
     std::string_view css,

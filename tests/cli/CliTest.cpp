@@ -267,11 +267,32 @@ TEST_F(CliTest, SaysWhatIsWrong) {
     EXPECT_EQ(Leftovers(), 0);
 }
 
+TEST_F(CliTest, TellsWhatWasLeftOut) {
+    const std::string project = Path("p.pwp");
+    ASSERT_EQ(Cli({"new", project}).code, 0);
+    folder.Put("in\\a.html", "<title>a</title><img src=../x/a.gif><img src=../y/b.gif>");
+    folder.Put("x\\a.gif", "GIF89a");
+    folder.Put("y\\b.gif", "GIF89a");
+    const Outcome added = Cli({"add", project, Path("in"), "--with-files-from", Path("x")});
+    EXPECT_EQ(added.code, 0);
+    EXPECT_EQ(added.output,
+              "'../y/b.gif' in 'a.html' was left out: it lies outside of the folder.\n"
+              "To take such files along, name their folder with --with-files-from.\n"
+              "1 page added.\n");
+    EXPECT_EQ(Cli({"cat", project, "W0001P0001"}).output,
+              "<title>a</title><img src=media/a.gif><img src=../y/b.gif>");
+    EXPECT_EQ(Cli({"add", project, Path("in"), "--with-files-from", Path("none")}).output,
+              "There is no folder '" + Path("none") + "'.\n");
+}
+
 TEST_F(CliTest, TakesTheManualInAndPublishesItWhole) {
     if (!fs::exists(kManual / "en")) GTEST_SKIP() << "needs the package apache2-doc";
     const std::string project = Path("manual.pwp");
     ASSERT_EQ(Cli({"new", project, "--name", "Manual"}).code, 0);
-    const Outcome added = Cli({"add", project, (kManual / "en").string()});
+    // Its pictures and style sheets lie beside the language, not below it.
+    const Outcome added =
+        Cli({"add", project, (kManual / "en").string(), "--with-files-from",
+             (kManual / "images").string(), "--with-files-from=" + (kManual / "style").string()});
     ASSERT_EQ(added.code, 0) << added.output;
     const Outcome published = Cli({"publish", project, "--html", Path("out")});
     ASSERT_EQ(published.code, 0) << published.output;

@@ -78,8 +78,10 @@ TEST_F(WholeJobTest, ASiteGoesInIsEditedKeptAndComesOut) {
     shown.Press(kNewProject);
 
     // 1. The site goes in, with its pictures and style sheets.
-    const AddFilesResult added =
-        AddFiles(context.project, {{FromNativePath(kManual.string())}, "", nullptr});
+    AddFilesRequest request;
+    request.paths = {FromNativePath(kManual.string())};
+    request.withFilesFrom = {FromNativePath(kManual.parent_path().string())};
+    const AddFilesResult added = AddFiles(context.project, request);
     EXPECT_TRUE(added.problems.empty());
     context.model.IsDirty = true;
     RefillProjectExplorer(context);

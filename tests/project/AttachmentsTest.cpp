@@ -54,6 +54,9 @@ TEST(Attachments, AreCopiedIntoTheProjectFirst) {
     ASSERT_TRUE(added);
     EXPECT_EQ(added->Filename(), test.frame.settings.MediaFolder + "\\a_b.gif");
     EXPECT_EQ(added->State, AttachmentState::InUse);
+    added = AddSystemAttachment(test.context, test.folder.Put(".out\\.b.gif", "2"), *page);
+    ASSERT_TRUE(added) << "who chooses a file means it";
+    EXPECT_EQ(added->Filename(), test.frame.settings.MediaFolder + "\\_b.gif");
 
     EXPECT_TRUE(CopyAttachmentsTo(test.context, *page, test.folder.Path("copy")));
     EXPECT_EQ(test.folder.Get("copy\\media\\a_b.gif"), "1");

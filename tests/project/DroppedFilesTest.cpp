@@ -115,11 +115,37 @@ TEST_F(DroppedFilesTest, PastedReferencesAreTakenOver) {
     EXPECT_EQ(adopter.picture(address(in.Path("gone.gif"))), Result());
     EXPECT_EQ(adopter.picture(address(secret)), Result());
     EXPECT_EQ(adopter.picture(address(fake)), Result()) << "a page may name any file";
+    EXPECT_EQ(adopter.picture(address(in.Put(".cache\\h.gif", Gif(3, 3)))), Result());
+    EXPECT_EQ(adopter.picture(ToNativePath(real)), Result()) << "that would be one of a server";
+    EXPECT_EQ(adopter.picture("file:///dev/zero"), Result());
+    EXPECT_EQ(adopter.picture("<?= $x ?>.gif"), Result());
     EXPECT_EQ(adopter.picture("data:image/gif;base64,R0lGODlh"), Result("media/picture.gif"));
     EXPECT_EQ(Media("picture.gif"), "GIF89a");
     EXPECT_EQ(adopter.picture("data:image/png;base64,***"), Result());
     EXPECT_EQ(adopter.link(address(root) + "/index.htm#x"), Result("../index.htm#x"));
     EXPECT_EQ(adopter.link(address(secret)), Result());
+}
+
+TEST_F(DroppedFilesTest, WhatDroppedFilesNameIsAskedFor) {
+    in.Put("out.gif", Gif(1, 2));
+    in.Put("in\\own.gif", Gif(1, 3));
+    in.Put("in\\table.xls", "1,2");
+    const std::string css = "p{background:url(../out.gif)}b{background:url(own.gif)}";
+    const std::string style = in.Put("in\\s.css", css);
+    const std::string html =
+        in.Put("in\\new.html", "<title>N</title><a href=table.xls>t</a><img src=../out.gif>");
+    TakenFiles taken = Take({style, html});
+    EXPECT_EQ(taken.html, "<a href=\"media/s.css\">s.css</a><br><a href=\"new.htm\">N</a>");
+    EXPECT_EQ(Media("s.css"), css);
+    std::vector<std::string> files;
+    for (const LeftOutFile& file : taken.leftOut)
+        files.push_back(GetFileName(file.file));
+    EXPECT_THAT(files, testing::UnorderedElementsAre("out.gif", "out.gif", "table.xls"));
+    EXPECT_TRUE(taken.takeLeftOut({in.Path("out.gif"), in.Path("in\\table.xls")}).empty());
+    EXPECT_EQ(Media("s.css"), ReplaceAll(css, "../out", "out"));
+    EXPECT_EQ(test.Text(BuildPath(GetParentFolder(page->Filename), "new.htm")),
+              "<title>N</title><a href=media/table.xls>t</a><img src=media/out.gif>");
+    EXPECT_EQ(Media("table.xls"), "1,2");
 }
 
 TEST_F(DroppedFilesTest, APictureWithoutAFileGetsAName) {

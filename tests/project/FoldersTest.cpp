@@ -40,7 +40,7 @@ TEST(Folders, AreMadeOnDiskUnderFreeNames) {
 TEST(Folders, TakeEverythingBelowAlongWhenRenamed) {
     TestProject test;
     const std::string root = test.frame.settings.PreviewFolder;
-    test.folder.Put("source\\a.gif", "1");
+    test.folder.Put("source\\a.gif", "GIF89a1");
     Folder* docs = AddFolder(test.context, {}, {"Docs"});
     Folder* old = AddFolder(test.context, Container(*docs), {"Old"});
     Page* page = test.Insert("deep", "<img src=a.gif>", Container(*old), ShowInsertedPage::Yes);

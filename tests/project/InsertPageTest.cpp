@@ -5,6 +5,7 @@
 
 #include "platform/Text.h"
 #include "project/CopyPages.h"
+#include "project/FileAdmission.h"
 #include "project/Folders.h"
 #include "support/TestProject.h"
 
@@ -80,17 +81,17 @@ TEST_F(InsertTest, NamesFilesAndTitles) {
 }
 
 TEST_F(InsertTest, PullsMediaAndChangesNothingElse) {
-    test.folder.Put("in\\a b&c.gif", "1");
-    test.folder.Put("in\\x\\pic.gif", "2");
-    test.folder.Put("in\\y\\PIC.gif", "3");
-    test.folder.Put("in\\z\\pic.gif", "2");
-    test.folder.Put("in\\grün.png", "4");
+    test.folder.Put("in\\a b&c.gif", "GIF89a1");
+    test.folder.Put("in\\x\\pic.gif", "GIF89a2");
+    test.folder.Put("in\\y\\PIC.gif", "GIF89a3");
+    test.folder.Put("in\\z\\pic.gif", "GIF89a2");
+    test.folder.Put("in\\grün.png", "GIF89a4");
     test.folder.Put("in\\s\\main.css",
                     "@import 'more.css'; p{background:url( ../x/pic.gif )}/* url(no) */");
     test.folder.Put("in\\s\\more.css",
                     "@import url(main.css); b{background:url(\"../y/PIC.gif\")}");
     test.folder.Put("in\\run.js", "go()");
-    const std::string absolute = ReplaceAll(test.folder.Put("in\\abs.gif", "5"), "\\", "/");
+    const std::string absolute = ReplaceAll(test.folder.Put("in\\abs.gif", "GIF89a5"), "\\", "/");
     const struct {
         const char* name;
         std::string from;
@@ -131,9 +132,9 @@ TEST_F(InsertTest, PullsMediaAndChangesNothingElse) {
     Page* page = Insert(test.folder.Put("in\\a.htm", before));
     ASSERT_TRUE(page) << reason;
     EXPECT_EQ(test.Text(page->Filename), after);
-    EXPECT_EQ(Media("pic.gif"), "2");
-    EXPECT_EQ(Media("PIC2.gif"), "3");
-    EXPECT_EQ(Media("abs.gif"), "5");
+    EXPECT_EQ(Media("pic.gif"), "GIF89a2");
+    EXPECT_EQ(Media("PIC2.gif"), "GIF89a3");
+    EXPECT_EQ(Media("abs.gif"), "GIF89a5");
     EXPECT_EQ(Media("main.css"), "@import 'more.css'; p{background:url( pic.gif )}/* url(no) */");
     EXPECT_EQ(Media("more.css"), "@import url(main.css); b{background:url(\"PIC2.gif\")}");
     EXPECT_THAT(AttachedNames(*page),
@@ -147,7 +148,7 @@ TEST_F(InsertTest, PullsMediaAndChangesNothingElse) {
 }
 
 TEST_F(InsertTest, HonoursABaseAddress) {
-    test.folder.Put("in\\x\\a.gif", "1");
+    test.folder.Put("in\\x\\a.gif", "GIF89a1");
     Page* page = Insert(
         test.folder.Put("in\\a.htm", "<head><base href=\"x/\"></head><body><img src=\"a.gif\">"));
     EXPECT_EQ(test.Text(page->Filename), "<head><base></head><body><img src=\"media/a.gif\">");
@@ -156,7 +157,7 @@ TEST_F(InsertTest, HonoursABaseAddress) {
 }
 
 TEST_F(InsertTest, KeepsTheFramesetAndPullsForTheRest) {
-    test.folder.Put("in\\a.gif", "1");
+    test.folder.Put("in\\a.gif", "GIF89a1");
     const std::string html =
         "<html><head><title>F</title></head><frameset cols=\"*,1\"><frame src=\"a.htm\">"
         "<noframes><body><img src=\"a.gif\"></body></noframes></frameset></html>";
@@ -181,7 +182,13 @@ TEST_F(InsertTest, TakesRealPagesAndKeepsTheirBytes) {
     if (!std::filesystem::exists(manual)) GTEST_SKIP() << "needs the package apache2-doc";
     for (const char* name : {"index.html", "install.html", "mod/core.html", "rewrite/tech.html"}) {
         SCOPED_TRACE(name);
-        Page* page = Insert(FromNativePath((manual / name).string()));
+        InsertPageRequest request;
+        request.sourceFile = FromNativePath((manual / name).string());
+        FileAdmission admission(*test.files);
+        admission.AllowFolder(FromNativePath(manual.parent_path().string()),
+                              FileAdmission::Taking::Everything);
+        request.admission = &admission;
+        Page* page = InsertPage(test.context, request, &reason);
         ASSERT_TRUE(page) << reason;
         std::ifstream in(manual / name, std::ios::binary);
         const std::string source{std::istreambuf_iterator<char>(in), {}};
@@ -200,7 +207,7 @@ TEST_F(InsertTest, TakesRealPagesAndKeepsTheirBytes) {
 }
 
 TEST_F(InsertTest, CopiesPagesToOtherFolders) {
-    test.folder.Put("source\\a.gif", "1");
+    test.folder.Put("source\\a.gif", "GIF89a1");
     Page* target = test.Insert("target");
     Page* page = test.Insert("page", "<img src=a.gif><a href=\"index.htm#x\">x</a>");
     Folder* folder = AddFolder(test.context, {}, {"Docs"});

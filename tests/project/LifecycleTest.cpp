@@ -373,6 +373,27 @@ TEST(OpenHTMLAsProject, TakesItsNameFromTheFile) {
     EXPECT_TRUE(test.project.IsDirty);
     EXPECT_EQ(test.workspace.currentPageKey, "W0001P0001");
 
+    test.folder.Put(".keys\\id", "GIF89a");
+    const std::string page = test.folder.Put(
+        "in\\b.htm", "<title>b</title><a href=c.pdf>c</a><img src=../d.gif><img src=../.keys/id>");
+    test.folder.Put("in\\c.pdf", "%PDF");
+    test.folder.Put("d.gif", "GIF89a");
+    for (const Answer answer : {Answer::No, Answer::Yes}) {
+        test.dialogs.ExpectMessage(answer, ToNativePath(test.folder.Path("in\\c.pdf")) + "\n" +
+                                               ToNativePath(test.folder.Path("d.gif")) + "\n\n");
+        test.dialogs.ExpectMessage(Answer::Ok, "'../.keys/id' in 'b.htm' was left out");
+        EXPECT_TRUE(OpenHTMLAsProject(test.context, page));
+        const bool isAgreed = answer == Answer::Yes;
+        const auto* open = test.workspace.Find("W0001P0001");
+        ASSERT_TRUE(open);
+        EXPECT_EQ(open->document->html(),
+                  std::string("<title>b</title>") +
+                      (isAgreed ? "<a href=media/c.pdf>c</a><img src=media/d.gif>"
+                                : "<a href=c.pdf>c</a><img src=../d.gif>") +
+                      "<img src=../.keys/id>");
+        EXPECT_EQ(GetPage(test.context, "W0001P0001")->Attachments().Count(), isAgreed ? 2 : 0);
+    }
+
     test.dialogs.ExpectMessage(Answer::Ok, "Page 'none.htm' can not be opened.");
     EXPECT_FALSE(OpenHTMLAsProject(test.context, test.folder.Path("none.htm")));
     EXPECT_FALSE(test.project.IsLoaded);

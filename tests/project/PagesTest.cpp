@@ -74,8 +74,8 @@ TEST(Pages, AreRemovedWithTheirWindowsAndWithAllBelowThem) {
 
 TEST(Pages, CountWhatAVisitorLoads) {
     TestProject test;
-    test.folder.Put("source\\a.gif", std::string(100, 'a'));
-    test.folder.Put("source\\back.gif", std::string(1000, 'b'));
+    test.folder.Put("source\\a.gif", "GIF89a" + std::string(94, 'a'));
+    test.folder.Put("source\\back.gif", "GIF89a" + std::string(994, 'b'));
     Page* page = test.Insert("a",
                              "<img src=a.gif><img src=A.GIF><img src=a.gif><img src=no.gif>"
                              "<p>one two</p>",

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -70,6 +71,30 @@ FileError WriteAll(int file, std::string_view bytes) {
     return FileError::None;
 }
 
+/** Opens a file for reading; none of the parts of its path may be a link. What lies there may be
+ *  anything: without O_NONBLOCK a pipe would hold the program up for ever. */
+Descriptor OpenWithoutLinks(const std::string& native) {
+    Descriptor folder(::open("/", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (std::size_t at = 1; folder;) {
+        const auto slash = native.find('/', at);
+        const std::string name = native.substr(at, slash - at);
+        if (slash == native.npos)
+            return Descriptor(::openat(folder.Get(), name.c_str(),
+                                       O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW | O_NOCTTY));
+        folder = Descriptor(
+            ::openat(folder.Get(), name.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC | O_NOFOLLOW));
+        at = slash + 1;
+    }
+    return folder;
+}
+
+/** What `file` has when it is no regular file. */
+FileError KindProblem(const Descriptor& file, struct stat& status) {
+    if (!file || ::fstat(file.Get(), &status) != 0) return ErrorOf(errno);
+    if (S_ISDIR(status.st_mode)) return FileError::IsFolder;
+    return S_ISREG(status.st_mode) ? FileError::None : FileError::IO;
+}
+
 /** A file beside the target that takes its place when it is complete, or vanishes. */
 class Replacement {
   public:
@@ -130,6 +155,7 @@ class PosixFileSystem : public FileSystem {
         info.exists = true;
         info.isFolder = S_ISDIR(status.st_mode);
         info.isLink = S_ISLNK(status.st_mode);
+        info.isRegular = S_ISREG(status.st_mode);
         info.size = S_ISDIR(status.st_mode) ? 0 : std::uint64_t(status.st_size);
         info.modified =
             std::int64_t(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
@@ -247,19 +273,40 @@ class PosixFileSystem : public FileSystem {
     FileError Copy(std::string_view from, std::string_view to) override {
         std::string source, target;
         if (!Translate(from, source) || !Translate(to, target)) return FileError::BadName;
-        Descriptor file(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-        struct stat status, there;
-        if (!file || ::fstat(file.Get(), &status) != 0) return ErrorOf(errno);
-        if (S_ISDIR(status.st_mode)) return FileError::IsFolder;
-        if (!S_ISREG(status.st_mode)) return FileError::IO;
-        if (::stat(target.c_str(), &there) == 0 && there.st_dev == status.st_dev &&
-            there.st_ino == status.st_ino)
-            return FileError::None;  // already one and the same
-        Replacement copy(target);
-        if (copy.Error() != FileError::None) return copy.Error();
-        CopyMeans means;
-        const auto error = CopyContent(file.Get(), copy.Fd(), std::uint64_t(status.st_size), means);
-        return error == FileError::None ? copy.Place(Durability::Lazy) : error;
+        return CopyOpen(Descriptor(::open(source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+                        target);
+    }
+
+    FileError CopyResolved(std::string_view from, std::string_view to) override {
+        std::string source, target;
+        if (!Translate(from, source) || !Translate(to, target)) return FileError::BadName;
+        return CopyOpen(OpenWithoutLinks(source), target);
+    }
+
+    FileError ReadResolved(std::string_view path, std::string& bytes,
+                           std::uint64_t most) const override {
+        bytes.clear();
+        std::string native;
+        if (!Translate(path, native)) return FileError::BadName;
+        const Descriptor file = OpenWithoutLinks(native);
+        struct stat status;
+        if (const auto problem = KindProblem(file, status); problem != FileError::None)
+            return problem;
+        bytes.resize(std::size_t(std::min(most, std::uint64_t(status.st_size))));
+        std::size_t done = 0;
+        while (done < bytes.size()) {
+            const ssize_t got = ::read(file.Get(), bytes.data() + done, bytes.size() - done);
+            if (got < 0 && errno == EINTR) continue;
+            if (got < 0) {
+                const auto error = ErrorOf(errno);
+                bytes.clear();
+                return error;
+            }
+            if (got == 0) break;
+            done += std::size_t(got);
+        }
+        bytes.resize(done);
+        return FileError::None;
     }
 
     FileError CopyTree(std::string_view from, std::string_view to) override {
@@ -269,7 +316,7 @@ class PosixFileSystem : public FileSystem {
         if (::stat(source.c_str(), &status) != 0) return ErrorOf(errno);
         if (!S_ISDIR(status.st_mode)) return FileError::NotFolder;
         const auto error = MakeNativeFolder(target);
-        return error == FileError::None ? CopyFolderTree(source, target) : error;
+        return error == FileError::None ? CopyFolderTree(source, target, isCancelled) : error;
     }
 
     FileError Sync(std::string_view path) override {
@@ -289,6 +336,21 @@ class PosixFileSystem : public FileSystem {
     }
 
   private:
+    FileError CopyOpen(const Descriptor& file, const std::string& target) const {
+        struct stat status, there;
+        if (const auto problem = KindProblem(file, status); problem != FileError::None)
+            return problem;
+        if (::stat(target.c_str(), &there) == 0 && there.st_dev == status.st_dev &&
+            there.st_ino == status.st_ino)
+            return FileError::None;  // already one and the same
+        Replacement copy(target);
+        if (copy.Error() != FileError::None) return copy.Error();
+        CopyMeans means;
+        means.isCancelled = isCancelled;
+        const auto error = CopyContent(file.Get(), copy.Fd(), std::uint64_t(status.st_size), means);
+        return error == FileError::None ? copy.Place(Durability::Lazy) : error;
+    }
+
     static FileError WriteInPlace(const std::string& native, std::string_view bytes) {
         Descriptor file = Open(native, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW);
         if (!file) return ErrorOf(errno);
@@ -301,7 +363,7 @@ class PosixFileSystem : public FileSystem {
         struct stat status;
         if (type == DT_UNKNOWN && ::fstatat(folder, item.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0)
             type = IFTODT(status.st_mode);
-        return {item.d_name, type == DT_DIR, type == DT_LNK};
+        return {item.d_name, type == DT_DIR, type == DT_LNK, type == DT_REG};
     }
 
     static FileError MakeNativeFolder(const std::string& native) {

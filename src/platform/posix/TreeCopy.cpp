@@ -7,7 +7,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include "platform/posix/Descriptor.h"
@@ -18,13 +20,17 @@ namespace {
 
 constexpr std::size_t kBufferSize = 128 * 1024;
 
-/** `size` is what is expected to be left: when so much has come, the end needs no read to be seen.
- */
-FileError CopyByBuffer(int from, int to, std::uint64_t size) {
+bool IsCancelled(const CopyMeans& means) {
+    return means.isCancelled && means.isCancelled();
+}
+
+/** Files that the system makes up as they are read can be without end: `size` is the limit. */
+FileError CopyByBuffer(int from, int to, std::uint64_t size, const CopyMeans& means) {
     thread_local std::vector<char> buffer(kBufferSize);
-    std::uint64_t total = 0;
-    for (;;) {
-        const ssize_t got = ::read(from, buffer.data(), buffer.size());
+    while (size > 0) {
+        if (IsCancelled(means)) return FileError::Cancelled;
+        const auto wanted = std::size_t(std::min<std::uint64_t>(size, buffer.size()));
+        const ssize_t got = ::read(from, buffer.data(), wanted);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return ErrorOf(errno);
         if (got == 0) return FileError::None;
@@ -34,9 +40,9 @@ FileError CopyByBuffer(int from, int to, std::uint64_t size) {
             if (put < 0) return ErrorOf(errno);
             done += put;
         }
-        total += std::uint64_t(got);
-        if (std::size_t(got) < buffer.size() && total >= size) return FileError::None;
+        size -= std::uint64_t(got);
     }
+    return FileError::None;
 }
 
 class DirectoryStream {
@@ -71,12 +77,16 @@ class DirectoryStream {
 /** One run over a tree. Works relative to open folders, so no path is walked per file. */
 class TreeCopier {
   public:
+    explicit TreeCopier(const std::function<bool()>& isCancelled) {
+        means_.isCancelled = isCancelled;
+    }
     FileError Run(const std::string& from, const std::string& to) {
         Descriptor source(::open(from.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!source) return ErrorOf(errno);
         Descriptor target(::open(to.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!target) return ErrorOf(errno);
         if (::fstat(target.Get(), &targetRoot_) != 0) return ErrorOf(errno);
+        sourceRoot_ = PathOf(source.Get());
         CopyFolder(std::move(source), target.Get());
         return first_;
     }
@@ -90,8 +100,10 @@ class TreeCopier {
         DirectoryStream stream(std::move(source));
         if (!stream) return Note(ErrorOf(errno));
         bool failed = false;
-        while (const dirent* entry = stream.Next(failed))
+        while (const dirent* entry = stream.Next(failed)) {
+            if (IsCancelled(means_)) return Note(FileError::Cancelled);
             CopyEntry(stream.Fd(), target, *entry);
+        }
         if (failed) Note(ErrorOf(errno));
     }
 
@@ -100,10 +112,11 @@ class TreeCopier {
         if (std::strchr(name, '\\')) return Note(FileError::BadName);
         unsigned char type = entry.d_type;
         if (type == DT_UNKNOWN) type = TypeOf(source, name, AT_SYMLINK_NOFOLLOW);
-        if (type == DT_LNK) type = TypeOf(source, name, 0) == DT_REG ? DT_REG : DT_LNK;
+        const bool isLink = type == DT_LNK;
+        if (isLink) type = TypeOf(source, name, 0) == DT_REG ? DT_REG : DT_LNK;
         switch (type) {
             case DT_REG:
-                return Note(CopyFile(source, target, name));
+                return Note(CopyFile(source, target, name, isLink));
             case DT_DIR:
                 return CopySubfolder(source, target, name);
             case DT_LNK:
@@ -111,6 +124,14 @@ class TreeCopier {
             default:
                 return Note(FileError::IO);  // a device, a pipe: nothing to be copied
         }
+    }
+
+    /** Of an open file or folder, without links; "" where the system does not tell. */
+    static std::string PathOf(int file) {
+        char path[PATH_MAX];
+        const std::string link = "/proc/self/fd/" + std::to_string(file);
+        const ssize_t length = ::readlink(link.c_str(), path, sizeof path);
+        return length > 0 ? std::string(path, std::size_t(length)) : std::string();
     }
 
     static unsigned char TypeOf(int folder, const char* name, int flags) {
@@ -132,10 +153,14 @@ class TreeCopier {
         CopyFolder(std::move(from), to.Get());
     }
 
-    FileError CopyFile(int source, int target, const char* name) {
-        Descriptor from(::openat(source, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    FileError CopyFile(int source, int target, const char* name, bool isLink) {
+        const int follow = isLink ? 0 : O_NOFOLLOW;
+        Descriptor from(::openat(source, name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | follow));
         struct stat status;
         if (!from || ::fstat(from.Get(), &status) != 0) return ErrorOf(errno);
+        if (!S_ISREG(status.st_mode)) return FileError::IO;  // swapped since it was looked at
+        if (isLink && !PathOf(from.Get()).starts_with(sourceRoot_ + "/"))
+            return FileError::NoPermission;
         const mode_t mode = status.st_mode & 0777;
         constexpr int create = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
         Descriptor to(::openat(target, name, create, mode));
@@ -156,6 +181,7 @@ class TreeCopier {
         return error;
     }
 
+    std::string sourceRoot_;
     struct stat targetRoot_ {};
     CopyMeans means_;
     FileError first_ = FileError::None;
@@ -244,15 +270,23 @@ FileError ErrorOf(int number) {
 
 FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means) {
     if (means.clone && size > 0) {
-        if (::ioctl(to, FICLONE, from) == 0) return FileError::None;
+        if (::ioctl(to, FICLONE, from) == 0) {
+            struct stat status;  // the source may have grown since it was opened
+            const bool fits = ::fstat(to, &status) == 0 && std::uint64_t(status.st_size) <= size;
+            return fits || ::ftruncate(to, off_t(size)) == 0 ? FileError::None : ErrorOf(errno);
+        }
         means.clone = false;
     }
     // Below this a read and a write are quicker than the set-up inside the kernel.
     constexpr std::uint64_t worthIt = 256 * 1024;
+    // So much at a time that a copy can be cancelled soon.
+    constexpr std::uint64_t piece = 16 * 1024 * 1024;
     std::uint64_t done = 0;
     if (means.copyRange && size >= worthIt) {
         while (done < size) {
-            const ssize_t put = ::copy_file_range(from, nullptr, to, nullptr, size - done, 0);
+            if (IsCancelled(means)) return FileError::Cancelled;
+            const ssize_t put = ::copy_file_range(from, nullptr, to, nullptr,
+                                                  std::size_t(std::min(size - done, piece)), 0);
             if (put < 0 && errno == EINTR) continue;
             if (put < 0 && (errno == ENOSPC || errno == EDQUOT || errno == EIO))
                 return ErrorOf(errno);
@@ -263,11 +297,12 @@ FileError CopyContent(int from, int to, std::uint64_t size, CopyMeans& means) {
         if (done >= size) return FileError::None;
         // What is left goes through the buffer: both files stand where the last copy ended.
     }
-    return CopyByBuffer(from, to, size - done);
+    return CopyByBuffer(from, to, size - done, means);
 }
 
-FileError CopyFolderTree(const std::string& from, const std::string& to) {
-    return TreeCopier().Run(from, to);
+FileError CopyFolderTree(const std::string& from, const std::string& to,
+                         const std::function<bool()>& isCancelled) {
+    return TreeCopier(isCancelled).Run(from, to);
 }
 
 FileError RemoveFolderTree(const std::string& folder) {

@@ -175,6 +175,58 @@ TEST_F(PosixFileSystem, CopiesFiles) {
     EXPECT_FALSE(folder.Has("x"));
 }
 
+TEST_F(PosixFileSystem, TakesWhatAStrangerNamesWithCare) {
+    folder.Put("a\\b.txt", "12345");
+    folder.Put("secret\\b.txt", "secret");
+    fs::create_symlink("b.txt", folder.Native("a/link"));
+    fs::create_directory_symlink("secret", folder.Native("c"));
+    ASSERT_EQ(::mkfifo(folder.Native("pipe").c_str(), 0600), 0);
+    struct Row {
+        const char* name;
+        std::string path;
+        FileError expected;
+        std::string bytes;
+    };
+    const auto own = [&](const char* name) { return folder.Path(name); };
+    for (const Row& row : {Row{"a file", own("a\\b.txt"), FileError::None, "12345"},
+                           Row{"a link", own("a\\link"), FileError::BadName, ""},
+                           Row{"a link on the way", own("c\\b.txt"), FileError::NotFolder, ""},
+                           Row{"a folder", own("a"), FileError::IsFolder, ""},
+                           Row{"nothing", own("a\\no"), FileError::NotFound, ""},
+                           Row{"a pipe", own("pipe"), FileError::IO, ""},
+                           Row{"a device", "\\dev\\zero", FileError::IO, ""},
+                           Row{"without end", "\\proc\\" + std::to_string(::getpid()) + "\\pagemap",
+                               FileError::None, ""}}) {
+        SCOPED_TRACE(row.name);
+        std::string bytes;
+        EXPECT_EQ(files->ReadResolved(row.path, bytes), row.expected);
+        EXPECT_EQ(bytes, row.bytes);
+        EXPECT_EQ(files->ReadResolved(row.path, bytes, 2), row.expected);
+        EXPECT_EQ(bytes, row.bytes.substr(0, 2));
+        EXPECT_EQ(files->CopyResolved(row.path, own("copy")), row.expected);
+        EXPECT_EQ(folder.Has("copy") ? folder.Get("copy") : "", row.bytes);
+        EXPECT_TRUE(files->Stat(row.path).isRegular == (row.expected == FileError::None) ||
+                    row.path == own("c\\b.txt"));
+        files->RemoveFile(own("copy"));
+    }
+    EXPECT_EQ(files->Copy("\\proc\\self\\pagemap", own("copy")), FileError::None);
+    EXPECT_EQ(folder.Get("copy"), "") << "no more than it said that it has";
+}
+
+TEST_F(PosixFileSystem, ACopyCanBeCancelled) {
+    folder.Put("big", std::string(40'000'000, 'x'));
+    folder.Put("tree\\small", "x");
+    folder.Put("to", "former");
+    int asked = 0;
+    files->isCancelled = [&] { return ++asked > 1; };
+    const FileError error = files->Copy(folder.Path("big"), folder.Path("to"));
+    // A disk that shares blocks is done at once.
+    EXPECT_TRUE(error == FileError::Cancelled ? folder.Get("to") == "former" : asked == 0);
+    asked = 1;
+    EXPECT_EQ(files->CopyTree(folder.Path("tree"), folder.Path("out")), FileError::Cancelled);
+    EXPECT_FALSE(folder.Has("out\\small"));
+}
+
 TEST_F(PosixFileSystem, CopiesTreesAndGoesOnAfterAnError) {
     folder.Put("from\\index.html", "index");
     folder.Put("from\\media\\a.gif", "gif");
@@ -191,6 +243,10 @@ TEST_F(PosixFileSystem, CopiesTreesAndGoesOnAfterAnError) {
     EXPECT_EQ(folder.Get("to\\media\\deep\\b.gif"), "b");
     EXPECT_EQ(folder.Get("to\\other.html"), "stays");
 
+    fs::create_symlink(folder.Native("elsewhere/secret.txt"), folder.Native("from/0-link"));
+    EXPECT_EQ(files->CopyTree(folder.Path("from"), folder.Path("to")), FileError::NoPermission);
+    EXPECT_FALSE(folder.Has("to\\0-link"));
+    fs::remove(folder.Native("from/0-link"));
     fs::create_directory_symlink(folder.Native("elsewhere"), folder.Native("from/a-link"));
     fs::create_symlink("gone", folder.Native("from/b-link"));
     folder.Put("from\\zz.html", "last");
