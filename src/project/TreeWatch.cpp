@@ -40,7 +40,7 @@ std::uint64_t HashOf(const Page& page) {
          << page.Keywords << page.FramesHTML << page.ThemeName << page.ThemeFile << page.PageType
          << page.IsDefault;
     for (const Attachment& file : page.Attachments())
-        hash << file.Filename() << file.Kind << file.Description;
+        hash << file.Filename() << file.Kind << file.Description << file.Origin;
     for (const FormRecord& form : page.Forms())
         hash << form.Name << form.DatabaseName << form.CompletedMessage << form.IncompleteMessage
              << form.ActionType << form.Fields.Count();

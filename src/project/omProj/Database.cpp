@@ -257,7 +257,8 @@ std::int64_t ProjectDatabase::Number(std::string_view sql) {
 
 void ProjectDatabase::CheckSchema() {
     std::map<std::string, std::string, std::less<>> expected;
-    for (const TableDefinition& table : TablesOfFormat())
+    const auto version = static_cast<std::uint32_t>(Number("PRAGMA user_version"));
+    for (const TableDefinition& table : TablesOfFormat(version))
         expected.emplace(table.name, table.sql);
     ProjectStatement rows(*this, "SELECT type, name, sql FROM sqlite_schema");
     std::size_t found = 0;
@@ -354,7 +355,7 @@ ProjectFileHeader CheckHeader(const std::string& nativePath, std::uint32_t appli
     if (header.pageSize == 1) header.pageSize = 65536;
     header.fileSize = state.st_size;
     if (header.applicationId != applicationId) throw ProjectFailure(ProjectResult::NotAProject);
-    if (header.formatVersion < kFormatVersion) throw ProjectFailure(ProjectResult::OlderFormat);
+    if (header.formatVersion < kOldestFormat) throw ProjectFailure(ProjectResult::OlderFormat);
     if (header.formatVersion > kFormatVersion) throw ProjectFailure(ProjectResult::NewerFormat);
     // A write-ahead log would be made beside the file by merely looking at it.
     if (bytes[18] != 1 || bytes[19] != 1) throw ProjectFailure(ProjectResult::Damaged);

@@ -99,6 +99,7 @@ void VisitFields(Visitor&& visit, A& a) {
     visit("kind", a.Kind);
     visit("description", a.Description);
     visit("size", a.Size);
+    visit("origin", a.Origin);
 }
 
 template <class Visitor, Holds<MetaTag> M>

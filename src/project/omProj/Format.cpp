@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "platform/FileSystem.h"
+#include "platform/Text.h"
 #include "project/omProj/Fields.h"
 
 namespace pw {
@@ -68,9 +69,17 @@ std::vector<TableDefinition> MakeTables() {
 
 }  // namespace
 
-const std::vector<TableDefinition>& TablesOfFormat() {
+const std::vector<TableDefinition>& TablesOfFormat(std::uint32_t version) {
     static const std::vector<TableDefinition> tables = MakeTables();
-    return tables;
+    static const std::vector<TableDefinition> tablesOfFormat2 = [] {
+        // Attachments did not know yet where they came from.
+        std::vector<TableDefinition> older = tables;
+        for (TableDefinition& table : older)
+            if (table.name == "attachment")
+                table.sql = ReplaceAll(table.sql, ", origin INTEGER NOT NULL", "");
+        return older;
+    }();
+    return version == 2 ? tablesOfFormat2 : tables;
 }
 
 ProjectResult ResultOfErrno(int error) {

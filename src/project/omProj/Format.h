@@ -9,7 +9,8 @@
 
 namespace pw {
 
-constexpr std::uint16_t kFormatVersion = 2;           ///< in `user_version`
+constexpr std::uint16_t kFormatVersion = 3;           ///< in `user_version`
+constexpr std::uint16_t kOldestFormat = 2;            ///< that is read
 constexpr std::uint32_t kProjectId = 0x50577072;      ///< "PWpr", in `application_id`
 constexpr std::uint32_t kJournalId = 0x50577472;      ///< "PWtr": a tree without files
 constexpr std::int64_t kPartSize = 4 << 20;           ///< most bytes of a file in one row
@@ -44,8 +45,8 @@ struct TableDefinition {
     std::string name;
     std::string sql;  ///< as `sqlite_schema` holds it
 };
-/** All tables of a file. A file whose schema is not exactly this is not opened. */
-const std::vector<TableDefinition>& TablesOfFormat();
+/** All tables of a file of that format. A file whose schema is not exactly this is not opened. */
+const std::vector<TableDefinition>& TablesOfFormat(std::uint32_t version = kFormatVersion);
 
 /** What a system error number means for a project. */
 ProjectResult ResultOfErrno(int error);

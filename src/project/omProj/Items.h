@@ -22,6 +22,14 @@ constexpr int TemplateThumbnail = 1;
 constexpr int PublishingPackage = 10;
 }  // namespace AttachmentKind
 
+namespace AttachmentOrigin {
+/** Added by the user, or came with a page that was taken in: it stays. */
+constexpr int Chosen = 0;
+/** Brought along by something that was inserted, dropped or pasted: it is kept for as long as
+ *  anything refers to it. */
+constexpr int Placed = 1;
+}  // namespace AttachmentOrigin
+
 class Attachments;
 
 /** A file that a page or the project needs. Made by `Attachments::Add`. */
@@ -40,6 +48,12 @@ class Attachment {
     int Kind = AttachmentKind::PageMedia;
     std::string Description;
     std::int64_t Size = 0;  ///< bytes
+    int Origin = AttachmentOrigin::Chosen;
+    /** False for what the program brought along and nothing refers to any more: it is neither saved
+     *  nor published, but stays in the list for a redo. */
+    bool IsWanted() const {
+        return Origin != AttachmentOrigin::Placed || State != AttachmentState::Stale;
+    }
 
   private:
     friend class Attachments;

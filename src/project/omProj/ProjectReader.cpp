@@ -218,7 +218,10 @@ Page* ProjectReader::PageOf(std::string_view owner) {
 }
 
 void ProjectReader::ReadAttachments() {
-    ProjectStatement rows(database_, "SELECT * FROM attachment ORDER BY owner, number");
+    // In format 2 an attachment did not know where it came from; there each of them stays.
+    ProjectStatement rows(database_, header_.formatVersion == 2
+                                         ? "SELECT *, 0 FROM attachment ORDER BY owner, number"
+                                         : "SELECT * FROM attachment ORDER BY owner, number");
     while (rows.Next()) {
         const std::string_view owner = rows.Text(0);
         pw::Attachments& attachments =

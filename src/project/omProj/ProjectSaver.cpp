@@ -126,7 +126,8 @@ bool ProjectSaver::UpdateInPlace(const FileMark& known) {
     const ProjectFailure opened =
         Guard([&] { header = CheckHeader(ToNativePath(target_), kProjectId); });
     if (opened.result == ProjectResult::NoPermission) throw opened;
-    if (opened.result != ProjectResult::Success) return false;
+    if (opened.result != ProjectResult::Success || header.formatVersion != kFormatVersion)
+        return false;
     if (header.mark != known || files_.Stat(JournalOf(target_)).exists) {
         Log("The project file " + Quoted(target_) + " is not as it was left and is written anew.");
         return false;

@@ -106,7 +106,7 @@ class OwnedRows {
     template <class NameOf>
     void WriteAttachments(std::string_view owner, const Attachments& attachments, NameOf nameOf) {
         for (const Attachment& attachment : attachments) {
-            const std::string name = nameOf(attachment.Filename());
+            const std::string name = nameOf(attachment);
             if (name.empty()) continue;
             attachment_.Bind(owner)
                 .Bind(std::int64_t{attachment.Id()})
@@ -191,7 +191,13 @@ void ProjectWriter::CollectPage(const Page& page) {
 
 void ProjectWriter::CollectAttachments(const Attachments& attachments) {
     for (const Attachment& attachment : attachments)
-        if (!NameOrNothing(attachment.Filename()).empty()) Want(attachment.Filename(), "", false);
+        if (Keeps(attachment) && !NameOrNothing(attachment.Filename()).empty())
+            Want(attachment.Filename(), "", false);
+}
+
+/** A journal stands beside the files and keeps what a redo may ask for. */
+bool ProjectWriter::Keeps(const Attachment& attachment) const {
+    return content_ == Content::TreeOnly || attachment.IsWanted();
 }
 
 /** The stored name of a file below the working folder; "" for one that lies elsewhere, which is
@@ -200,7 +206,9 @@ std::string ProjectWriter::NameOrNothing(const std::string& path) const {
     return NameBelow(project_.WorkingFolder, path).value_or("");
 }
 
-std::string ProjectWriter::AttachmentName(const std::string& path) const {
+std::string ProjectWriter::AttachmentName(const Attachment& attachment) const {
+    if (!Keeps(attachment)) return {};
+    const std::string& path = attachment.Filename();
     std::string name = NameOrNothing(path);
     if (name.empty())
         project_.Log("Project.Save", "The file " + Quoted(path) +
@@ -356,7 +364,7 @@ void ProjectWriter::WritePages(ProjectDatabase& database) {
     ProjectStatement insert(database, InsertInto("page", 5, Page("", 0)));
     ProjectStatement remove(database, "DELETE FROM page WHERE key=?");
     OwnedRows owned(database);
-    const auto nameOf = [&](const std::string& path) { return AttachmentName(path); };
+    const auto nameOf = [&](const Attachment& attachment) { return AttachmentName(attachment); };
     const auto write = [&](const Page& page, const std::string& key) {
         const std::string filename = NameOrNothing(page.Filename);
         FieldDigest digest;
@@ -365,6 +373,7 @@ void ProjectWriter::WritePages(ProjectDatabase& database) {
         digest("", page.IsOpen);
         VisitFields(digest, page);
         for (const Attachment& attachment : page.Attachments()) {
+            if (!Keeps(attachment)) continue;
             digest("", attachment.Id());
             digest("", attachment.Filename());
             VisitFields(digest, attachment);
@@ -411,8 +420,9 @@ void ProjectWriter::WriteLists(ProjectDatabase& database) {
     // The project's own files share a table with those of the pages.
     OwnedRows owned(database);
     owned.Forget(kProjectOwner);
-    owned.WriteAttachments(kProjectOwner, project_.Attachments(),
-                           [&](const std::string& path) { return AttachmentName(path); });
+    owned.WriteAttachments(
+        kProjectOwner, project_.Attachments(),
+        [&](const Attachment& attachment) { return AttachmentName(attachment); });
 
     const auto writeList = [&](const char* table, const auto& list, const auto& sample, int keys,
                                auto bindKeys) {

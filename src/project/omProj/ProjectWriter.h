@@ -57,7 +57,8 @@ class ProjectWriter {
     void CollectPages(const Pages& pages);
     void CollectPage(const Page& page);
     void CollectAttachments(const Attachments& attachments);
-    std::string AttachmentName(const std::string& path) const;
+    bool Keeps(const Attachment& attachment) const;
+    std::string AttachmentName(const Attachment& attachment) const;
     void Want(const std::string& path, const std::string& page, bool required);
 
     // The tables.

@@ -86,7 +86,7 @@ TEST_F(DamagedProjectFile, BytesThatAreNotAProject) {
          ProjectResult::Damaged},
         {"of another program", poke(68, "abcd"), ProjectResult::NotAProject},
         {"older", poke(60, Bytes("\0\0\0\1", 4)), ProjectResult::OlderFormat},
-        {"newer", poke(60, Bytes("\0\0\0\3", 4)), ProjectResult::NewerFormat},
+        {"newer", poke(60, Bytes("\0\0\0\4", 4)), ProjectResult::NewerFormat},
         {"far newer", poke(60, Bytes("\xFF\xFF\xFF\xFF", 4)), ProjectResult::NewerFormat},
         {"keeps a log", poke(18, Bytes("\2\2", 2)), ProjectResult::Damaged},
         {"schema overwritten", poke(100, Bytes(3000, '\xAA')), ProjectResult::Damaged},

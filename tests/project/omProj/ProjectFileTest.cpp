@@ -74,6 +74,74 @@ TEST_F(ProjectFile, KeepsEveryFieldAndEveryFile) {
     EXPECT_EQ(loaded.Check(home.Path("a.pwp")), ProjectResult::Success);
 }
 
+/** Makes a file one of the format in which attachments did not know where they came from. */
+void MakeFormat2(const std::string& native) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(sqlite3_open(native.c_str(), &database), SQLITE_OK);
+    std::string sql =
+        "CREATE TEMP TABLE kept AS SELECT * FROM attachment;"
+        "ALTER TABLE kept DROP COLUMN origin; DROP TABLE attachment;";
+    for (const TableDefinition& table : TablesOfFormat(2))
+        if (table.name == "attachment") sql += table.sql + ";";
+    sql += "INSERT INTO attachment SELECT * FROM kept; PRAGMA user_version=2";
+    EXPECT_EQ(sqlite3_exec(database, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
+    sqlite3_close(database);
+}
+
+TEST_F(ProjectFile, LeavesOutWhatNothingRefersTo) {
+    FillSampleProject(project, work);
+    Page* page = project.FindPage("W0001P0001");
+    ASSERT_TRUE(page);
+    const auto add = [&](const char* name, int origin, int state) {
+        Attachment* file = page->Attachments().Add(work.Put(name, "GIF"));
+        file->Origin = origin;
+        file->State = state;
+    };
+    add("chosen.gif", AttachmentOrigin::Chosen, AttachmentState::Stale);
+    add("used.gif", AttachmentOrigin::Placed, AttachmentState::InUse);
+    add("unused.gif", AttachmentOrigin::Placed, AttachmentState::Stale);
+    const std::string file = home.Path("a.pwp");
+    const auto stored = [&](const std::string& name) {
+        const Page* saved = loaded.FindPage("W0001P0001");
+        const bool listed = saved && saved->Attachments().Find(other.Path(name));
+        EXPECT_EQ(listed, std::filesystem::exists(other.Native(name))) << name;
+        return listed;
+    };
+    loaded.WorkingFolder = other.Path();
+    ASSERT_EQ(project.Save(file), ProjectResult::Success) << project.LastMessage();
+    ASSERT_EQ(loaded.Load(file), ProjectResult::Success) << loaded.LastMessage();
+    EXPECT_TRUE(stored("chosen.gif") && stored("used.gif"));
+    EXPECT_FALSE(stored("unused.gif"));
+    EXPECT_TRUE(page->Attachments().Find(work.Path("unused.gif"))) << "for a redo";
+
+    // The journal stands beside the files, where a redo finds them.
+    ASSERT_EQ(project.SaveTree(home.Path("tree")), ProjectResult::Success);
+    Project recovered{*files};
+    recovered.WorkingFolder = work.Path();
+    ASSERT_EQ(recovered.LoadTree(home.Path("tree")), ProjectResult::Success);
+    EXPECT_TRUE(recovered.FindPage("W0001P0001")->Attachments().Find(work.Path("unused.gif")));
+}
+
+TEST_F(ProjectFile, ReadsTheFormerFormatAndWritesItAnew) {
+    FillSampleProject(project, work);
+    Page* page = project.FindPage("W0001P0001");
+    page->Attachments().Add(work.Put("placed.gif", "GIF"))->Origin = AttachmentOrigin::Placed;
+    page->Attachments().Find(work.Path("placed.gif"))->State = AttachmentState::InUse;
+    const std::string file = home.Path("a.pwp");
+    ASSERT_EQ(project.Save(file), ProjectResult::Success);
+    MakeFormat2(home.Native("a.pwp"));
+
+    loaded.WorkingFolder = other.Path();
+    ASSERT_EQ(loaded.Load(file), ProjectResult::Success) << loaded.LastMessage();
+    EXPECT_EQ(loaded.FormatVersion(), 2);
+    const Page* old = loaded.FindPage("W0001P0001");
+    EXPECT_EQ(old->Attachments().Find(other.Path("placed.gif"))->Origin, AttachmentOrigin::Chosen);
+    ASSERT_EQ(loaded.Save(file), ProjectResult::Success) << loaded.LastMessage();
+    EXPECT_EQ(loaded.FormatVersion(), kFormatVersion);
+    EXPECT_EQ(loaded.Check(file), ProjectResult::Success) << loaded.LastMessage();
+}
+
 TEST_F(ProjectFile, SavesInPlaceWhatChanged) {
     FillSampleProject(project, work);
     const std::string file = home.Path("a.pwp");
