@@ -124,7 +124,7 @@ const std::vector<Command>& Commands() {
          "PROJECT.pwp --html DIR",
          "Write the site as plain files.",
          "The site is written into a folder below DIR that bears the project's name, and the\n"
-         "path of that folder is printed.\n",
+         "path of that folder is printed. Links that lead nowhere are named on the error output.\n",
          1,
          1,
          {{"--html", "DIR", "where to; made when it is missing"}},

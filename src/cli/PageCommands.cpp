@@ -218,9 +218,13 @@ void RunRemove(const Invocation& invocation) {
         const ProjectItem item = GetProjectItem(session.Context(), key);
         if (!item.page && !item.folder) FailUnknownKey(key);
     }
-    for (const auto& key : invocation.Rest())
-        if (GetProjectItem(session.Context(), key) && !RemoveProjectItem(session.Context(), key))
-            throw CommandFailure{"'" + key + "' can not be removed; nothing was changed."};
+    for (const auto& key : invocation.Rest()) {
+        std::string reason;
+        if (GetProjectItem(session.Context(), key) &&
+            !RemoveProjectItem(session.Context(), key, nullptr, &reason))
+            throw CommandFailure{"'" + key + "' can not be removed; nothing was changed." +
+                                 (reason.empty() ? "" : " " + reason)};
+    }
     session.Save();
 }
 

@@ -341,6 +341,10 @@ void RunPublish(const Invocation& invocation) {
     session.Open(PathFromArgument(invocation.ProjectFile()));
     const PublishResult result = PublishAsHTML(session.Context(), folder);
     if (!result.published) throw CommandFailure{"The site was not published. " + result.reason};
+    for (const std::string& warning : result.warnings)
+        std::cerr << warning << "\n";
+    for (const std::string& link : result.deadLinks)
+        std::cerr << "This link leads nowhere: " << link << "\n";
     std::cout << ToNativePath(result.folder) << "\n";
 }
 

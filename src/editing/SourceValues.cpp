@@ -55,9 +55,9 @@ std::string SourceProblem(const ProjectContext& context, std::string_view value)
 
 std::optional<std::string> TakeSource(ProjectContext& context, std::string_view value, Page& page) {
     if (!IsOnDisk(value)) return std::string(value);
-    const Attachment* taken = AddSystemAttachment(context, value, page);
+    const Attachment* taken = AddSystemAttachment(context, value, page, AttachmentOrigin::Placed);
     if (!taken) return std::nullopt;
-    return GetVirtualPath(context, taken->Filename(), page.Key());
+    return EncodeLink(GetVirtualPath(context, taken->Filename(), page.Key()));
 }
 
 }  // namespace pw

@@ -60,9 +60,15 @@ void EditInProjectExplorer(MainContext& context, int tool) {
     if (!IsEditPossible(context, tool, Pane::ProjectExplorer)) return;
     const std::string key = context.window.SelectedProjectNode();
     switch (tool) {
-        case kCut:
-            if (CutPage(context.project, key)) AfterRemoval(context);
+        case kCut: {
+            std::string reason;
+            if (CutPage(context.project, key, &reason)) {
+                AfterRemoval(context);
+            } else {
+                Refuse(context, "The page can not be cut.", reason);
+            }
             break;
+        }
         case kCopy:
             static_cast<void>(CopyPage(context.project, key));
             break;
@@ -77,10 +83,16 @@ void EditInProjectExplorer(MainContext& context, int tool) {
             }
             break;
         }
-        case kDelete:
-            if (MayDelete(context) && RemoveProjectItem(context.project, key))
+        case kDelete: {
+            if (!MayDelete(context)) break;
+            std::string reason;
+            if (RemoveProjectItem(context.project, key, nullptr, &reason)) {
                 AfterRemoval(context);
+            } else {
+                Refuse(context, "It can not be removed.", reason);
+            }
             break;
+        }
         default:
             break;
     }

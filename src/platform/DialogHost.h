@@ -11,7 +11,7 @@ class Dialog;
 
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Icon { None, Information, Exclamation, Stop, Question };
-enum class Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7 };
+enum class Answer { Ok = 1, Cancel = 2, Yes = 6, No = 7, Action = 8 };
 
 struct Message {
     std::string text;  ///< line breaks are "\n"
@@ -19,6 +19,8 @@ struct Message {
     Icon icon = Icon::None;
     Buttons buttons = Buttons::Ok;
     Answer byDefault = Answer::Ok;  ///< with YesNo and YesNoCancel, Ok stands for Yes
+    /** Caption of one more button, which answers `Action`; "" for none. */
+    std::string action;
 };
 
 struct FileQuestion {

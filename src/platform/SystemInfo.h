@@ -41,6 +41,8 @@ class SystemInfo {
     virtual std::string UserName() const = 0;  ///< login name
     virtual std::string OSName() const = 0;    ///< kernel name, version
     virtual bool IsOnline() const = 0;         ///< some interface but loopback is up
+    /** The language of the user's messages as pages name it, such as "de"; "en" for none. */
+    virtual std::string Language() const { return "en"; }
     virtual MachineFacts Machine() const = 0;
     /** What of the environment helps to understand a failure; nothing private. */
     virtual std::vector<EnvironmentFact> EnvironmentFacts() const = 0;

@@ -23,6 +23,11 @@ namespace {
 constexpr std::string_view kModule = "ProjectFunctions.";
 constexpr std::string_view kReservedName = "media";
 
+/** A path as a message shows it. */
+std::string Named(const std::string& path) {
+    return QuoteSingle(ToNativePath(path));
+}
+
 /** A folder on its way into the project. */
 struct PlannedFolder {
     std::string source;
@@ -95,13 +100,13 @@ class Adding {
     void Collect(const std::string& path, PlannedFolder& into) {
         const std::string real = files_.Canonical(path);
         if (real.empty()) {
-            Report(path, "'" + path + "' does not exist.");
+            Report(path, Named(path) + " does not exist.");
         } else if (FolderExists(files_, real)) {
             admission_.AllowFolder(real, FileAdmission::Taking::Everything);
             CollectFolder(real, into);
         } else if (!IsPageFilename(real)) {
-            Report(path, "'" + path +
-                             "' is no HTML page. Pictures, style sheets and the like come "
+            Report(path, Named(path) +
+                             " is no HTML page. Pictures, style sheets and the like come "
                              "along with the pages that use them.");
         } else {
             admission_.AllowFile(real);
@@ -114,7 +119,7 @@ class Adding {
         std::vector<FolderEntry> entries;
         const FileError error = files_.List(path, entries);
         if (error != FileError::None) {
-            Report(path, "Folder '" + path + "' can not be read: " + Describe(error) + ".");
+            Report(path, "Folder " + Named(path) + " can not be read: " + Describe(error) + ".");
             return;
         }
         std::sort(entries.begin(), entries.end(),
@@ -124,7 +129,7 @@ class Adding {
             const std::string child = BuildPath(path, entry.name);
             const bool isFolder = entry.isFolder || (entry.isLink && FolderExists(files_, child));
             if (isFolder && entry.isLink) {
-                Report(child, "'" + child + "' is a link to a folder and was not followed.");
+                Report(child, Named(child) + " is a link to a folder and was not followed.");
             } else if (isFolder) {
                 auto folder = std::make_unique<PlannedFolder>();
                 folder->source = child;

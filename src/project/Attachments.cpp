@@ -6,6 +6,7 @@
 #include "project/Media.h"
 #include "project/Pages.h"
 #include "project/Paths.h"
+#include "project/RemovedFiles.h"
 
 namespace pw {
 
@@ -24,9 +25,11 @@ bool IsClassFile(const Attachment& attachment) {
     return EqualsNoCase(GetExtension(attachment.Filename()), "class");
 }
 
-Attachment* AddInUse(ProjectContext& context, const std::string& path, Page& page) {
+Attachment* AddInUse(ProjectContext& context, const std::string& path, Page& page, int origin) {
+    const bool isNew = !page.Attachments().Find(path);
     Attachment* attachment = page.Attachments().Add(path);
     if (!attachment) return nullptr;
+    if (isNew || origin == AttachmentOrigin::Chosen) attachment->Origin = origin;
     attachment->Size = context.frame.files.Stat(path).size;
     attachment->Kind = AttachmentKind::PageMedia;
     attachment->State = AttachmentState::InUse;
@@ -37,7 +40,9 @@ void DropStale(Page& page) {
     Attachments& attachments = page.Attachments();
     for (int i = attachments.Count(); i >= 1; --i) {
         Attachment& attachment = *attachments.Item(i);
-        if (attachment.State == AttachmentState::Stale && !IsClassFile(attachment)) {
+        if (attachment.Origin == AttachmentOrigin::Placed) {
+            // A redo may ask for it. Whether it is in use is seen when the project is saved.
+        } else if (attachment.State == AttachmentState::Stale && !IsClassFile(attachment)) {
             attachments.Remove(i);
         } else {
             attachment.State = AttachmentState::InUse;
@@ -47,17 +52,18 @@ void DropStale(Page& page) {
 
 }  // namespace
 
-Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page) {
+Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page,
+                                int origin) {
     const auto body = [&]() -> Attachment* {
         if (!FileExists(context.frame.files, path)) return nullptr;
         if (IsInProject(context, path))
             return AdmissionOfProject(context).Admits(path, FileUse::Linked)
-                       ? AddInUse(context, std::string(path), page)
+                       ? AddInUse(context, std::string(path), page, origin)
                        : nullptr;
         const auto pulled = MediaPuller(context).PullChosenFile(std::string(path),
                                                                 GetPageFolder(context, page.Key()));
         for (auto file = pulled.rbegin(); file != pulled.rend(); ++file) {
-            Attachment* attachment = AddInUse(context, *file, page);
+            Attachment* attachment = AddInUse(context, *file, page, origin);
             if (file + 1 == pulled.rend()) return attachment;
         }
         return nullptr;
@@ -76,7 +82,7 @@ void SaveAttachments(ProjectContext& context, const dom::Document& document,
         FileAdmission admission = AdmissionOfProject(context);
         const auto add = [&](const std::string& reference) {
             const auto file = admission.Find({std::string(baseURL)}, reference, FileUse::Picture);
-            if (file) AddInUse(context, file->named, page);
+            if (file) AddInUse(context, file->named, page, AttachmentOrigin::Placed);
         };
         if (const dom::Node* body = document.body()) add(body->getAttribute("background"));
         for (const dom::Node* image : document.images()) {
@@ -90,6 +96,19 @@ void SaveAttachments(ProjectContext& context, const dom::Document& document,
     });
 }
 
+bool RemoveAttachment(ProjectContext& context, Page& page, std::string_view key) {
+    return Trap(context.frame.errorLog, kModule, "RemoveAttachment", false, [&] {
+        const Attachment* attachment = page.Attachments().Item(key);
+        if (!attachment) return false;
+        const std::string file = attachment->Filename();
+        page.Attachments().Remove(key);
+        if (ListedFiles(context).contains(file) || FilesInUse(context).contains(file)) return true;
+        const auto aside = MoveAside(context, {file});
+        if (!aside) throw Failure(aside.problem());
+        return true;
+    });
+}
+
 bool CopyAttachmentsTo(ProjectContext& context, const Page& page, std::string_view folder) {
     return Trap(context.frame.errorLog, kModule, "CopyAttachmentsTo", false, [&] {
         FileSystem& files = context.frame.files;
@@ -97,7 +116,7 @@ bool CopyAttachmentsTo(ProjectContext& context, const Page& page, std::string_vi
         bool isWhole = true;
         for (const Attachment& attachment : page.Attachments()) {
             const std::string& file = attachment.Filename();
-            if (!FileExists(files, file)) continue;
+            if (!attachment.IsWanted() || !FileExists(files, file)) continue;
             isWhole = MakeFolder(files, target) && CopyFileToFolder(files, file, target) && isWhole;
         }
         return isWhole;

@@ -6,18 +6,23 @@
 
 #include "platform/dom/Document.h"
 #include "project/ProjectContext.h"
+#include "project/omProj/Items.h"
 
 namespace pw {
 
-class Attachment;
 class Page;
 
 /**
  * Adds a file to a page as in use, which survives every scan. A file outside the project's folder
  * is one that the user chose, and is copied into the page's `media` folder first. None when the
- * file is missing.
+ * file is missing. `origin` is an AttachmentOrigin; what was chosen once stays so.
  */
-Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page);
+Attachment* AddSystemAttachment(ProjectContext& context, std::string_view path, Page& page,
+                                int origin = AttachmentOrigin::Chosen);
+
+/** Takes a file off a page's list. It is moved aside (see RemovedFiles.h) unless the project lists
+ *  it elsewhere or refers to it. False when there is no such attachment. */
+bool RemoveAttachment(ProjectContext& context, Page& page, std::string_view key);
 
 /** Rescans a page. References in the document are relative to `baseURL`; only files of the project
  *  count. */

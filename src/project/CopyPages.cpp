@@ -6,6 +6,8 @@
 #include "project/InsertPage.h"
 #include "project/LinkAttributes.h"
 #include "project/Media.h"
+#include "project/PageNames.h"
+#include "project/Paths.h"
 #include "project/References.h"
 #include "project/Workspace.h"
 
@@ -30,6 +32,48 @@ std::optional<std::string> LinkFromElsewhere(const ProjectContext& context,
     return RelativeLink(copy.targetFolder, found->named) + found->suffix;
 }
 
+/** The name of the cut page's file; "" when the folder has such a file. */
+std::string FreeFormerName(const ProjectContext& context, const Container& target) {
+    const std::string name = GetFileName(context.copiedPage.file);
+    const std::string folder = GetPageFolder(context, target ? target.Key() : "");
+    return NameInFolder(context.frame.files, folder, name).empty() ? name : "";
+}
+
+/** What only the list of the former page's attachments tells: links to documents do not bring them
+ *  along, and which ones the user had added can't be seen in the page. */
+void TakeOverAttachments(ProjectContext& context, Page& page) {
+    const auto& copied = context.copiedPage;
+    const std::string media = BuildPath(GetParentFolder(copied.file), "media");
+    for (const auto& file : copied.files) {
+        const std::string name = GetFileName(file.path);
+        Attachment* taken = nullptr;
+        for (Attachment& present : page.Attachments())
+            if (GetFileName(present.Filename()) == name) taken = &present;
+        if (!taken) {
+            const bool stands = FileExists(context.frame.files, file.path);
+            taken = AddSystemAttachment(context, stands ? file.path : BuildPath(media, name), page,
+                                        file.origin);
+        }
+        if (!taken) continue;
+        taken->Origin = file.origin;
+        taken->Description = file.description;
+    }
+}
+
+void TakeOverProperties(ProjectContext& context, Page& page) {
+    const auto& copied = context.copiedPage;
+    page.Description = copied.description;
+    page.Keywords = copied.keywords;
+    TakeOverAttachments(context, page);
+    if (!copied.isCut) return;
+    // The first page of a site becomes its default page by itself.
+    if (!copied.isDefault) {
+        page.IsDefault = false;
+    } else if (!GetDefaultPage(context, page.ParentFolderKey())) {
+        SetDefaultPage(context, page);
+    }
+}
+
 }  // namespace
 
 bool CopyPage(ProjectContext& context, std::string_view key) {
@@ -44,16 +88,26 @@ bool CopyPage(ProjectContext& context, std::string_view key) {
         const std::string copy = BuildPath(folder, GetFileName(page->Filename));
         if (!CopyFile(files, page->Filename, copy)) return false;
         if (!CopyAttachmentsTo(context, *page, folder)) return false;
-        context.copiedPage = {copy, page->Name, GetParentFolder(page->Filename)};
+        auto& copied = context.copiedPage;
+        copied = {};
+        copied.file = copy;
+        copied.title = page->Name;
+        copied.folder = GetParentFolder(page->Filename);
+        copied.isDefault = page->IsDefault;
+        copied.description = page->Description;
+        copied.keywords = page->Keywords;
+        for (const Attachment& file : page->Attachments())
+            if (file.IsWanted())
+                copied.files.push_back({file.Filename(), file.Origin, file.Description});
         return true;
     });
 }
 
-bool CutPage(ProjectContext& context, std::string_view key) {
+bool CutPage(ProjectContext& context, std::string_view key, std::string* reason) {
     if (!CopyPage(context, key)) return false;
-    // A page that is moved is no copy of itself.
-    context.copiedPage.title.clear();
-    return RemoveProjectItem(context, key);
+    if (!RemoveProjectItem(context, key, nullptr, reason)) return false;
+    context.copiedPage.isCut = true;
+    return true;
 }
 
 Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string* reason) {
@@ -62,7 +116,12 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
     request.sourceFile = context.copiedPage.file;
     request.baseFolder = context.copiedPage.folder;
     request.folder = GetContainer(context, targetKey);
-    request.copyOfName = context.copiedPage.title;
+    // A page that is moved is no copy of itself, and keeps the name that links know.
+    if (context.copiedPage.isCut) {
+        request.fileName = FreeFormerName(context, request.folder);
+    } else {
+        request.copyOfName = context.copiedPage.title;
+    }
     request.show = ShowInsertedPage::Yes;
     FileAdmission admission = AdmissionOfProject(context);
     admission.AllowFolder(GetParentFolder(request.sourceFile), FileAdmission::Taking::Everything);
@@ -73,7 +132,9 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
             return LinkFromElsewhere(context, copy, value);
         });
     };
-    return InsertPage(context, request, reason);
+    Page* page = InsertPage(context, request, reason);
+    if (page) TakeOverProperties(context, *page);
+    return page;
 }
 
 }  // namespace pw

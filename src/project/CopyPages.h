@@ -11,8 +11,9 @@ class Page;
 
 /** Remembers a copy of the page with its media; an open page is written to its file first. */
 bool CopyPage(ProjectContext& context, std::string_view key);
-/** The same, and takes the page out of the project. */
-bool CutPage(ProjectContext& context, std::string_view key);
+/** The same, and takes the page out of the project. False, and the page stays, with a sentence in
+ *  `reason` where one is to be told. */
+bool CutPage(ProjectContext& context, std::string_view key, std::string* reason = nullptr);
 /** Inserts the page and shows it, in the folder or site at the key or in that of the page at the
  *  key. Links to the project's files go on leading there. None, with a sentence in `reason`, when
  *  it could not be done. */

@@ -85,6 +85,7 @@ class Taking {
     void TakeImage(const std::string& file, const std::string& caption) {
         const std::string copy = Copy(file);
         if (copy.empty()) return;
+        Keep(copy);
         std::string markup = "<img src=" + Quoted(RelativeLink(folder_, copy)) +
                              " alt=" + Quoted(MakeValidUtf8(caption));
         if (ImageInfo size; ReadImageInfo(files_, copy, size))
@@ -150,13 +151,13 @@ class Taking {
         Keep(copy);
         Append(LinkTo(RelativeLink(folder_, copy), MakeValidUtf8(GetFileName(file))), "<br>");
     }
-    /** No scan finds what a page only links to. */
+    /** No scan finds all that a page refers to. */
     void Keep(const std::string& copy) {
         Page* page = GetPage(context_, pageKey_);
         if (!page || copy.empty()) return;
-        AddSystemAttachment(context_, copy, *page);
+        AddSystemAttachment(context_, copy, *page, AttachmentOrigin::Placed);
         for (const std::string& needed : others_)
-            AddSystemAttachment(context_, needed, *page);
+            AddSystemAttachment(context_, needed, *page, AttachmentOrigin::Placed);
     }
     /** All at once, so that links among them go on working. */
     void TakePages() {
@@ -223,6 +224,9 @@ std::optional<std::string> CopyToMedia(ProjectContext& context, const std::strin
     const std::string folder = GetPageFolder(context, pageKey);
     const auto copied = MediaPuller(context).PullChosenFile(file, folder);
     if (copied.empty()) return std::nullopt;
+    if (Page* page = GetPage(context, pageKey))
+        for (const std::string& path : copied)
+            AddSystemAttachment(context, path, *page, AttachmentOrigin::Placed);
     return RelativeLink(folder, copied.front());
 }
 

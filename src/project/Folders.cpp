@@ -7,6 +7,7 @@
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "project/Journal.h"
+#include "project/PageNames.h"
 #include "project/Paths.h"
 #include "project/Workspace.h"
 #include "project/frmFolder.h"
@@ -29,16 +30,6 @@ std::string RelativeFolder(const Container& parent, const std::string& name) {
 /** Key of the folder or site that holds the folder. */
 std::string ParentKeyOf(const Folder& folder) {
     return folder.Key().substr(0, folder.Key().size() - kBlockWidth);
-}
-
-/** The name on disk that stands in the way of a new one, in any letter case; "" when none does. */
-std::string NameInTheWay(const FileSystem& files, const std::string& parentFolder,
-                         std::string_view name, std::string_view except) {
-    std::vector<FolderEntry> entries;
-    if (files.List(parentFolder, entries) != FileError::None) return {};
-    for (const auto& entry : entries)
-        if (entry.name != except && EqualsNoCase(entry.name, name)) return entry.name;
-    return {};
 }
 
 /** The path with its beginning changed when it lies in the folder `from`. */
@@ -215,7 +206,7 @@ bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::stri
         const std::string from = BuildPath(root, oldRelative);
         const std::string to = BuildPath(root, newRelative);
         const std::string inTheWay =
-            NameInTheWay(files, GetParentFolder(from), name, GetFileName(from));
+            NameInFolder(files, GetParentFolder(from), name, GetFileName(from));
         if (!inTheWay.empty())
             return fail("'" + inTheWay + "' already exists here. Please enter a different name.");
 

@@ -20,6 +20,7 @@ namespace {
 
 constexpr std::string_view kModule = "ProjectFunctions.";
 constexpr std::string_view kTitleMark = "[%#TITLE#%]";
+constexpr std::string_view kLanguageMark = "[%#LANGUAGE#%]";
 constexpr const char* kPageExtension = ".htm";
 constexpr int kDeepestFrame = 3;
 
@@ -58,6 +59,14 @@ void ReplaceTitleMark(dom::Document& document, const std::string& title) {
                                   ReplaceAll(attribute.value, kTitleMark, title));
         }
     }
+}
+
+/** A template for new pages leaves it to this program to say which language the pages are in. */
+void FillLanguageMark(dom::Document& document, const std::string& language) {
+    const std::vector<dom::Node*> roots = document.tags("HTML");
+    for (dom::Node* root : roots)
+        if (root->getAttribute("lang") == kLanguageMark)
+            document.setAttribute(*root, "lang", language);
 }
 
 /** One insertion, from the file to the page in the tree. */
@@ -136,6 +145,7 @@ class Insertion {
         const auto media = RewriteReferences();
         UpdateProjectMergeVariables(context_);
         UpdateMergeVariablesOnThisPage(context_, *document_);
+        FillLanguageMark(*document_, context_.frame.system.Language());
         const std::string title = SetTitle(pageNumber);
         Write();
         SetProperties(title);
@@ -298,14 +308,14 @@ std::string ChoosePageName(const ProjectContext& context, const std::string& sou
 Page* InsertPage(ProjectContext& context, const InsertPageRequest& request, std::string* reason) {
     const auto body = [&]() -> Page* {
         if (!FileExists(context.frame.files, request.sourceFile)) {
-            if (reason) *reason = "File '" + request.sourceFile + "' does not exist.";
+            if (reason) *reason = "File '" + ToNativePath(request.sourceFile) + "' does not exist.";
             return nullptr;
         }
         try {
             return Insertion(context, request).Run();
         } catch (const std::exception& problem) {
             if (reason)
-                *reason = "File '" + request.sourceFile +
+                *reason = "File '" + ToNativePath(request.sourceFile) +
                           "' can not be taken in as a page: " + problem.what();
             throw;
         }

@@ -84,7 +84,8 @@ std::string LoadProject(ProjectContext& context, const std::string& file) {
     };
     if (!forgotten || !ClearWorkingFolders(frame, ScratchFolders::Keep) ||
         !CreateWorkingFolders(frame))
-        return fail("The program's temporary folder " + frame.runFolder + " can not be used.");
+        return fail("The program's temporary folder " + ToNativePath(frame.runFolder) +
+                    " can not be used.");
 
     project.Clear();
     project.WorkingFolder = frame.settings.PreviewFolder;
@@ -223,7 +224,7 @@ bool OpenProject(ProjectContext& context, const std::string& path, Silent silent
         if (context.project.Busy()) return false;
         if (FileExists(context.frame.files, path)) return OpenExisting(context, path, silent);
         Tell(context, silent,
-             "Project file " + QuoteSingle(path) +
+             "Project file " + QuoteSingle(ToNativePath(path)) +
                  " does not exist.\n\nPlease choose another project and try again.");
         return false;
     });

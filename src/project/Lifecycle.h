@@ -5,6 +5,7 @@
 // All of these show their messages themselves unless told to be silent, put the cause behind the
 // message, and leave what they could not do as it was.
 #include <string>
+#include <vector>
 
 #include "project/ProjectContext.h"
 
@@ -45,6 +46,10 @@ bool SaveProjectAs(ProjectContext& context);
 /** Brings every open page's data into the object model and its text into its file. False, with the
  *  page's name in `unwritten` when given, when a file could not be written. */
 bool UpdateOpenPageProperties(ProjectContext& context, std::string* unwritten = nullptr);
+
+/** Makes the standard variables what the project's properties are now, in open and closed pages.
+ *  Returns the names of pages that could not be brought up to date. */
+std::vector<std::string> RefreshVariables(ProjectContext& context);
 
 enum class SaveAnswer { NotAsked = 0, Cancel = 2, Yes = 6, No = 7 };
 /** Asks only when the project is loaded, has a name, at least one page and unsaved changes. */

@@ -2,6 +2,7 @@
 
 #include "frame/Context.h"
 #include "project/Paths.h"
+#include "project/References.h"
 
 namespace pw {
 
@@ -32,7 +33,8 @@ void CleanPage(ProjectContext& context, dom::Document& document, std::string_vie
             const std::string* source = image->attribute("src");
             if (!source) continue;
             const std::string path = GetVirtualPath(context, *source, pageKey);
-            if (!path.empty() && path != *source) document.setAttribute(*image, "src", path);
+            if (!path.empty() && path != *source)
+                document.setAttribute(*image, "src", EncodeLink(path));
         }
     });
 }

@@ -40,13 +40,18 @@ std::string PageNameProblem(std::string_view name) {
 }
 
 bool IsPageNameTaken(const ProjectContext& context, const Page& page, std::string_view name) {
-    const std::string own = GetFileName(page.Filename);
+    return !NameInFolder(context.frame.files, GetParentFolder(page.Filename), name,
+                         GetFileName(page.Filename))
+                .empty();
+}
+
+std::string NameInFolder(const FileSystem& files, const std::string& folder, std::string_view name,
+                         std::string_view except) {
     std::vector<FolderEntry> entries;
-    if (context.frame.files.List(GetParentFolder(page.Filename), entries) != FileError::None)
-        return false;
-    return std::any_of(entries.begin(), entries.end(), [&](const FolderEntry& entry) {
-        return entry.name != own && EqualsNoCase(entry.name, name);
-    });
+    if (files.List(folder, entries) != FileError::None) return {};
+    for (const FolderEntry& entry : entries)
+        if (entry.name != except && EqualsNoCase(entry.name, name)) return entry.name;
+    return {};
 }
 
 Page* FindNeighbour(const ProjectContext& context, const Page& page, std::string_view name) {

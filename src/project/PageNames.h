@@ -5,11 +5,16 @@
 
 namespace pw {
 
+class FileSystem;
 class Page;
 struct ProjectContext;
 
 /** What is wrong with a name for a page's file, as a message for the user; "" when nothing is. */
 std::string PageNameProblem(std::string_view name);
+
+/** The file or folder that has the name in whatever letter case; "" when none but `except` has. */
+std::string NameInFolder(const FileSystem& files, const std::string& folder, std::string_view name,
+                         std::string_view except = {});
 
 /** True when a file beside the page's own has the name, in whatever letter case. */
 bool IsPageNameTaken(const ProjectContext& context, const Page& page, std::string_view name);

@@ -1,5 +1,6 @@
 #include "project/Pages.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -9,8 +10,10 @@
 #include "platform/dom/TextRange.h"
 #include "project/EditPage.h"
 #include "project/FramesetMask.h"
+#include "project/Journal.h"
 #include "project/Paths.h"
 #include "project/References.h"
+#include "project/RemovedFiles.h"
 #include "project/Workspace.h"
 
 namespace pw {
@@ -62,18 +65,6 @@ void CloseWindowOf(ProjectContext& context, const std::string& key) {
     if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
 }
 
-void RemovePagesAndFolders(ProjectContext& context, Folder& folder) {
-    while (folder.Pages().Count() > 0) {
-        const std::string key = folder.Pages().Item(1)->Key();
-        CloseWindowOf(context, key);
-        folder.Pages().Remove(1);
-    }
-    while (folder.Sections().Count() > 0) {
-        RemovePagesAndFolders(context, *folder.Sections().Item(1));
-        folder.Sections().Remove(1);
-    }
-}
-
 void CloseWindowsBelow(ProjectContext& context, std::string_view key) {
     // Closing a window changes the list of them.
     std::vector<std::string> keys;
@@ -83,9 +74,101 @@ void CloseWindowsBelow(ProjectContext& context, std::string_view key) {
         CloseWindowOf(context, open);
 }
 
-void Keep(RemovedItem* removed, RemovedItem item) {
-    if (removed) *removed = std::move(item);
+/** The page below a key that still has a window; none when all are closed. */
+const Page* OpenPageBelow(const ProjectContext& context, std::string_view key) {
+    for (OpenPage* open : context.workspace.OpenPages())
+        if (open->PageKey().starts_with(key)) return GetPage(context, open->PageKey());
+    return nullptr;
 }
+
+/** Every file in a folder and below it. */
+void ListTree(const FileSystem& files, const std::string& folder, std::vector<std::string>& paths) {
+    std::vector<FolderEntry> entries;
+    if (files.List(folder, entries) != FileError::None) return;
+    for (const FolderEntry& entry : entries) {
+        const std::string path = BuildPath(folder, entry.name);
+        if (entry.isFolder && !entry.isLink) {
+            ListTree(files, path, paths);
+        } else {
+            paths.push_back(path);
+        }
+    }
+}
+
+/** Takes the files of an item out of the way, together with the item. */
+class Removal {
+  public:
+    Removal(ProjectContext& context, const std::string& key) : context_(context), key_(key) {}
+
+    Outcome<std::string> MoveFiles(const ProjectItem& item) {
+        const auto listed = ListedFiles(context_, key_);
+        std::vector<std::string> files;
+        for (const PageIndexEntry& entry : context_.project.PageIndex()) {
+            if (!entry.Key().starts_with(key_)) continue;
+            files.push_back(entry.Item->Filename);
+            for (const Attachment& attachment : entry.Item->Attachments())
+                files.push_back(attachment.Filename());
+        }
+        if (item.folder) AddFolder(*item.folder, files);
+        if (item.site)
+            for (const Folder& folder : item.site->Sections())
+                AddFolder(folder, files);
+        std::erase_if(files, [&](const std::string& file) { return listed.contains(file); });
+        HandOver(files);
+        // A folder that is wholly of the item goes as one.
+        for (const std::string& folder : folders_)
+            if (IsFree(folder, listed)) files.insert(files.begin(), folder);
+        return MoveAside(context_, files);
+    }
+
+  private:
+    void AddFolder(const Folder& folder, std::vector<std::string>& files) {
+        if (folder.WorkingFolder.empty()) return;
+        folders_.push_back(BuildPath(context_.frame.settings.PreviewFolder, folder.WorkingFolder));
+        ListTree(context_.frame.files, folders_.back(), files);
+    }
+
+    /** What a page that stays refers to stays with it, though only the removed one listed it. */
+    void HandOver(std::vector<std::string>& files) {
+        const auto isMedia = [](const std::string& file) { return !IsPageFilename(file); };
+        if (std::none_of(files.begin(), files.end(), isMedia)) return;
+        const auto used = FilesInUse(context_, key_);
+        for (const std::string& file : files) {
+            if (!used.contains(file)) continue;
+            kept_.insert(file);
+            if (Page* user = UserOf(file)) {
+                Attachment* taken = user->Attachments().Add(file);
+                if (!taken) continue;
+                taken->Size = std::int64_t(context_.frame.files.Stat(file).size);
+                taken->State = AttachmentState::InUse;
+                taken->Origin = AttachmentOrigin::Placed;
+            }
+        }
+        std::erase_if(files, [&](const std::string& file) { return kept_.contains(file); });
+    }
+    /** Any page that names it, or the first one when only style sheets do. */
+    Page* UserOf(const std::string& file) {
+        Page* first = nullptr;
+        for (const PageIndexEntry& entry : context_.project.PageIndex()) {
+            if (entry.Key().starts_with(key_)) continue;
+            if (!first) first = entry.Item;
+            const auto& uses = context_.uses.OfPage(context_, *entry.Item);
+            if (std::binary_search(uses.begin(), uses.end(), file)) return entry.Item;
+        }
+        return first;
+    }
+
+    bool IsFree(const std::string& folder, const std::unordered_set<std::string>& listed) const {
+        const auto isInside = [&](const std::string& file) { return IsInFolder(file, folder); };
+        return std::none_of(listed.begin(), listed.end(), isInside) &&
+               std::none_of(kept_.begin(), kept_.end(), isInside);
+    }
+
+    ProjectContext& context_;
+    const std::string& key_;
+    std::vector<std::string> folders_;
+    std::unordered_set<std::string> kept_;
+};
 
 }  // namespace
 
@@ -137,30 +220,64 @@ Container GetContainer(const ProjectContext& context, std::string_view key) {
     return site ? Container(*site) : Container();
 }
 
-bool RemoveProjectItem(ProjectContext& context, std::string_view keyGiven, RemovedItem* removed) {
+std::unordered_set<std::string> ListedFiles(const ProjectContext& context,
+                                            std::string_view exceptBelow) {
+    std::unordered_set<std::string> listed;
+    const auto addAll = [&](const Attachments& attachments) {
+        for (const Attachment& attachment : attachments)
+            listed.insert(attachment.Filename());
+    };
+    const auto addPage = [&](const Page& page) {
+        listed.insert(page.Filename);
+        addAll(page.Attachments());
+    };
+    Project& project = context.project;
+    for (const PageIndexEntry& entry : project.PageIndex())
+        if (exceptBelow.empty() || !entry.Key().starts_with(exceptBelow)) addPage(*entry.Item);
+    if (const Page* page = project.DefaultTemplate()) addPage(*page);
+    addAll(project.Attachments());
+    listed.insert(project.ThumbnailFilename);
+    listed.erase("");
+    return listed;
+}
+
+bool RemoveProjectItem(ProjectContext& context, std::string_view keyGiven, RemovedItem* removed,
+                       std::string* reason) {
     // The key may be a member of what goes.
     const std::string key(keyGiven);
     return Trap(context.frame.errorLog, kModule, "RemoveProjectItem", false, [&] {
-        const ProjectItem item = GetProjectItem(context, key);
-        const ProjectItem parent = GetProjectItem(context, ParentKey(key));
-        RemovedItem out;
-        if (item.page) {
-            CloseWindowOf(context, key);
-            out.page = (parent.folder ? parent.folder->Pages() : parent.site->Pages()).Remove(key);
-        } else if (item.folder) {
-            CloseWindowsBelow(context, key);
-            // Who wants the folder back wants it whole.
-            if (!removed) RemovePagesAndFolders(context, *item.folder);
-            auto& siblings = parent.folder ? parent.folder->Sections() : parent.site->Sections();
-            out.folder = siblings.Remove(key);
-        } else if (item.site) {
-            CloseWindowsBelow(context, key);
-            out.site = context.project.WebSites().Remove(key);
-        } else {
+        if (ProjectItem item = GetProjectItem(context, key); !item || item.attachment) return false;
+        // 1. The windows, any of which may refuse.
+        CloseWindowsBelow(context, key);
+        if (const Page* page = OpenPageBelow(context, key)) {
+            if (reason)
+                *reason = "The page '" + page->Name +
+                          "' is still open. Please close it first and try again.";
             return false;
         }
-        Keep(removed, std::move(out));
+        // 2. The files.
+        const ProjectItem item = GetProjectItem(context, key);
+        const ProjectItem parent = GetProjectItem(context, ParentKey(key));
+        if (!item) return false;
+        const auto aside = Removal(context, key).MoveFiles(item);
+        if (!aside) {
+            if (reason) *reason = aside.problem();
+            throw Failure(aside.problem());
+        }
+        // 3. The tree.
+        RemovedItem out;
+        out.aside = *aside;
+        if (item.page) {
+            out.page = (parent.folder ? parent.folder->Pages() : parent.site->Pages()).Remove(key);
+        } else if (item.folder) {
+            auto& siblings = parent.folder ? parent.folder->Sections() : parent.site->Sections();
+            out.folder = siblings.Remove(key);
+        } else {
+            out.site = context.project.WebSites().Remove(key);
+        }
+        if (removed) *removed = std::move(out);
         context.project.IsDirty = true;
+        JournalFilesMoved(context);
         return true;
     });
 }

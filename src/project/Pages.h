@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 
 #include "platform/FileSystem.h"
 #include "platform/dom/Document.h"
@@ -55,11 +56,21 @@ struct RemovedItem {
     std::unique_ptr<WebSite> site;
     std::unique_ptr<Folder> folder;
     std::unique_ptr<Page> page;
+    std::string aside;  ///< where its files lie from now on; "" when it had none of its own
 };
-/** Takes an item out of the tree, a folder with all below it; windows of its pages are closed. The
- *  files stay in the scratch area, where no save and no publishing takes them any more. */
+/**
+ * Takes an item out of the tree, a folder with all below it; windows of its pages are closed. Its
+ * files are moved aside (see RemovedFiles.h), but for those that others list or refer to. False,
+ * with nothing removed and a sentence in `reason`, when a window does not close or a file can't be
+ * moved.
+ */
 bool RemoveProjectItem(ProjectContext& context, std::string_view key,
-                       RemovedItem* removed = nullptr);
+                       RemovedItem* removed = nullptr, std::string* reason = nullptr);
+
+/** Paths of all files that the project lists: pages, attachments, the template, the thumbnail.
+ *  Without those of the pages whose keys begin with `exceptBelow`, when that is not "". */
+std::unordered_set<std::string> ListedFiles(const ProjectContext& context,
+                                            std::string_view exceptBelow = {});
 
 /** Reads the statistics of a page from its document; nothing happens when either is none. */
 void ComputePageStatistics(ProjectContext& context, dom::Document* document, Page* page);

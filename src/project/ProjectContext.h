@@ -3,8 +3,10 @@
 // this by reference; the error log knows them under "ProjectFunctions.".
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/posix/ProjectLock.h"
+#include "project/FileUses.h"
 #include "project/JournalState.h"
 
 namespace pw {
@@ -29,6 +31,17 @@ struct ProjectContext {
         std::string file;  ///< path of a copy that stays until the next one is taken
         std::string title;
         std::string folder;  ///< where the page lay: what its references are relative to
+        bool isCut = false;  ///< the page itself is gone, and its name with it
+        bool isDefault = false;
+        std::string description;
+        std::string keywords;
+        /** Files that the page listed; copies of them lie beside that of the page. */
+        struct ListedFile {
+            std::string path;  ///< where it lay
+            int origin = 0;
+            std::string description;
+        };
+        std::vector<ListedFile> files;
         bool empty() const { return file.empty(); }
     } copiedPage;
 
@@ -36,6 +49,7 @@ struct ProjectContext {
     std::unique_ptr<ProjectLock> lock;
     std::string lockedFile;  ///< real path of that file
     JournalState journal;    ///< what a crash would leave to recover from
+    FileUses uses;           ///< what pages and style sheets refer to
 };
 
 }  // namespace pw

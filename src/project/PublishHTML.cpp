@@ -1,11 +1,14 @@
 #include "project/PublishHTML.h"
 
-#include <unordered_set>
+#include <set>
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "project/Lifecycle.h"
+#include "project/LinkList.h"
+#include "project/Pages.h"
+#include "project/References.h"
 #include "project/Workspace.h"
 #include "project/omProj/Project.h"
 
@@ -13,6 +16,7 @@ namespace pw {
 namespace {
 
 constexpr const char* kModule = "ProjectFunctions.";
+constexpr const char* kTitle = "Publish as HTML";
 
 bool IsSameOrBelow(const std::string& path, const std::string& folder) {
     return !folder.empty() &&
@@ -38,64 +42,65 @@ std::string FolderNameOf(const std::string& projectName) {
     return name == "." || name == ".." ? "" : name;
 }
 
-/** Copies the preview folder without what is there but no part of the site: pages that were taken
- *  out of the project, the thumbnail and the template. */
+/** What a site consists of. What else lies in the preview folder is none of its visitors'
+ *  business. */
 class SiteCopy {
   public:
     explicit SiteCopy(ProjectContext& context) : context_(context) {
         Project& project = context.project;
+        const auto addWanted = [&](const Attachments& attachments) {
+            for (const Attachment& file : attachments)
+                if (file.IsWanted()) media_.insert(file.Filename());
+        };
         for (const PageIndexEntry& entry : project.PageIndex()) {
-            site_.insert(entry.Item->Filename);
-            for (const Attachment& file : entry.Item->Attachments())
-                site_.insert(file.Filename());
+            pages_.insert(entry.Item->Filename);
+            addWanted(entry.Item->Attachments());
         }
-        for (const Attachment& file : project.Attachments())
-            site_.insert(file.Filename());
+        addWanted(project.Attachments());
+        for (const std::string& file : FilesInUseBySite(context))
+            media_.insert(file);
+        for (const WebSite& site : project.WebSites())
+            AddFolders(site.Sections());
     }
 
-    FileError Copy(const std::string& from, const std::string& to) {
-        FileSystem& files = context_.frame.files;
-        std::vector<FolderEntry> entries;
-        const FileError error = files.List(from, entries);
-        if (error != FileError::None) return error;
-        if (std::none_of(entries.begin(), entries.end(), [&](const FolderEntry& entry) {
-                return (entry.isFolder && HoldsOthers(BuildPath(from, entry.name))) ||
-                       IsOther(from, entry);
-            }))
-            return files.CopyTree(from, to);
-        FileError first = files.MakeFolder(to);
-        for (const FolderEntry& entry : entries) {
-            if (IsOther(from, entry)) continue;
-            const std::string source = BuildPath(from, entry.name);
-            const std::string target = BuildPath(to, entry.name);
-            const FileError failed =
-                entry.isFolder ? Copy(source, target) : files.Copy(source, target);
-            if (first == FileError::None) first = failed;
-        }
-        return first;
+    FileError Copy(const std::string& to) {
+        MakeFolder(to);
+        for (const std::string& folder : folders_)
+            MakeFolder(BuildPath(to, folder));
+        for (const std::string& file : pages_)
+            CopyOne(file, to);
+        for (const std::string& file : media_)
+            if (!pages_.contains(file) && FileExists(context_.frame.files, file)) CopyOne(file, to);
+        return first_;
     }
 
   private:
-    bool IsOther(const std::string& folder, const FolderEntry& entry) const {
-        if (entry.isFolder) return false;
-        const std::string path = BuildPath(folder, entry.name);
-        if (site_.count(path)) return false;
-        if (StartsWithNoCase(entry.name, "~pw")) return true;
-        const std::string extension = GetExtension(entry.name);
-        return EqualsNoCase(extension, "htm") || EqualsNoCase(extension, "html") ||
-               GetBaseName(path) == "tmp" + context_.project.ProjectId;
+    void AddFolders(const Sections& sections) {
+        for (const Folder& folder : sections) {
+            if (!folder.WorkingFolder.empty()) folders_.insert(folder.WorkingFolder);
+            AddFolders(folder.Sections());
+        }
     }
-    bool HoldsOthers(const std::string& folder) const {
-        std::vector<FolderEntry> entries;
-        if (context_.frame.files.List(folder, entries) != FileError::None) return false;
-        return std::any_of(entries.begin(), entries.end(), [&](const FolderEntry& entry) {
-            return entry.isFolder ? HoldsOthers(BuildPath(folder, entry.name))
-                                  : IsOther(folder, entry);
-        });
+    void MakeFolder(const std::string& path) {
+        if (made_.insert(path).second) Note(context_.frame.files.MakeFolder(path));
+    }
+    void CopyOne(const std::string& file, const std::string& to) {
+        const std::string& root = context_.frame.settings.PreviewFolder;
+        if (!IsInFolder(file, root) || file.size() <= root.size() + 1) return;
+        const std::string target = BuildPath(to, file.substr(root.size() + 1));
+        MakeFolder(GetParentFolder(target));
+        Note(context_.frame.files.Copy(file, target));
+    }
+    void Note(FileError error) {
+        if (first_ == FileError::None) first_ = error;
     }
 
     ProjectContext& context_;
-    std::unordered_set<std::string> site_;
+    std::set<std::string> pages_;
+    std::set<std::string> media_;
+    std::set<std::string> folders_;  ///< of the tree, also those without a page
+    std::set<std::string> made_;
+    FileError first_ = FileError::None;
 };
 
 /** Why the site must not be written there; "" when it may. */
@@ -119,26 +124,65 @@ std::string ProblemWith(ProjectContext& context, const std::string& target) {
     if (own) return "The project uses files in that folder. Please choose another one.";
     const FileInfo info = frame.files.Stat(target);
     if (info.exists && !FolderExists(frame.files, target))
-        return target + " is a file. Please choose another folder, or rename the project.";
+        return ToNativePath(target) +
+               " is a file. Please choose another folder, or rename the project.";
     return "";
 }
 
-std::string Publish(ProjectContext& context, const std::string& folder, std::string& target) {
-    FrameContext& frame = context.frame;
+std::vector<std::string> DeadLinks(ProjectContext& context) {
+    std::vector<std::string> dead;
+    for (const LinkRecord& link : ListLinks(context))
+        if (link.state == LinkState::Missing)
+            dead.push_back(link.target + " (" + link.page->Name + ")");
+    return dead;
+}
+
+/** The file of the page that a visitor comes to first, below `target`. */
+std::string FirstPage(ProjectContext& context, const std::string& target) {
+    const std::string& root = context.frame.settings.PreviewFolder;
+    const PageIndexEntry* first = context.project.PageIndex().Item(1);
+    const Page* page = GetDefaultPage(context, "W0001");
+    if (!page && first) page = first->Item;
+    return page && IsInFolder(page->Filename, root)
+               ? BuildPath(target, page->Filename.substr(root.size() + 1))
+               : std::string();
+}
+
+std::string Publish(ProjectContext& context, const std::string& folder, PublishResult& result) {
     if (context.project.Busy()) return "The project is being saved or loaded just now.";
     const std::string name = FolderNameOf(context.project.Name);
     if (folder.empty() || name.empty())
         return "The project needs a name that a folder can have. Please change it in the project's "
                "properties.";
-    target = BuildPath(folder, name);
+    const std::string target = result.folder = BuildPath(folder, name);
     const std::string problem = ProblemWith(context, target);
     if (!problem.empty()) return problem;
+    const auto behind = RefreshVariables(context);
+    if (!behind.empty())
+        result.warnings.push_back("The merge variables could not be brought up to date on " +
+                                  ListOfNames(behind) + ".");
     std::string unwritten;
     if (!UpdateOpenPageProperties(context, &unwritten)) return unwritten;
-    FileError error = frame.files.MakeFolder(target);
-    if (error == FileError::None)
-        error = SiteCopy(context).Copy(frame.settings.PreviewFolder, target);
-    return error == FileError::None ? "" : "The reason: " + Describe(error) + ".";
+    NoteUnusedAttachments(context);
+    const FileError error = SiteCopy(context).Copy(target);
+    if (error != FileError::None) return "The reason: " + Describe(error) + ".";
+    result.deadLinks = DeadLinks(context);
+    result.firstPage = FirstPage(context, target);
+    return "";
+}
+
+/** Shows the site in the user's browser, or else the folder that it lies in. */
+void Open(ProjectContext& context, const PublishResult& result) {
+    const auto open = [&](const std::string& path) {
+        return !path.empty() &&
+               context.frame.launcher.OpenUrl("file://" + EncodeLink(ToNativePath(path)));
+    };
+    if (open(result.firstPage) || open(result.folder)) return;
+    context.frame.dialogs.MsgBox(
+        {"The published site can not be opened from here.\n\nPlease open "
+         "it in a web browser:\n\n" +
+             ToNativePath(result.folder),
+         kTitle, Icon::Exclamation});
 }
 
 }  // namespace
@@ -148,7 +192,7 @@ PublishResult PublishAsHTML(ProjectContext& context, const std::string& folder) 
     PublishResult result;
     result.reason = Trap(context.frame.errorLog, kModule, "PublishAsHTML",
                          std::string("Something unforeseen happened. The error log tells more."),
-                         [&] { return Publish(context, folder, result.folder); });
+                         [&] { return Publish(context, folder, result); });
     result.published = result.reason.empty();
     return result;
 }
@@ -160,14 +204,22 @@ void AskAndPublishAsHTML(ProjectContext& context) {
     if (folder.empty()) return;
     const PublishResult result = PublishAsHTML(context, folder);
     if (result.published) {
-        frame.dialogs.MsgBox(
-            {"The project has been successfully published as HTML to folder:\n\n" + result.folder,
-             "Publish as HTML", Icon::Information});
+        std::string text = "The project has been successfully published as HTML to folder:\n\n" +
+                           ToNativePath(result.folder);
+        for (const std::string& warning : result.warnings)
+            text += "\n\n" + warning;
+        if (!result.deadLinks.empty())
+            text += "\n\nThese links lead nowhere: " + ListOfNames(result.deadLinks) + ".";
+        Message message{text, kTitle,
+                        result.deadLinks.empty() && result.warnings.empty() ? Icon::Information
+                                                                            : Icon::Exclamation};
+        message.action = "&Open";
+        if (frame.dialogs.MsgBox(message) == Answer::Action) Open(context, result);
         return;
     }
     frame.dialogs.MsgBox(
         {"The project could not be published as HTML.\n\nPlease try again.\n\n" + result.reason,
-         "Publish as HTML", Icon::Stop});
+         kTitle, Icon::Stop});
 }
 
 }  // namespace pw

@@ -5,6 +5,7 @@
 #include "project/Attachments.h"
 #include "project/Journal.h"
 #include "project/Lifecycle.h"
+#include "project/MergeVariables.h"
 #include "project/Pages.h"
 #include "project/ProjectLocking.h"
 #include "project/Scratch.h"
@@ -89,6 +90,16 @@ void SetSavedProperties(ProjectContext& context) {
     project.ClientVersion = GetVersionString();
 }
 
+/** The pages show the name of the project file: with a new one they are brought up to date. */
+void RefreshFilenameVariable(ProjectContext& context) {
+    const std::string name = GetFileName(context.frame.settings.ProjectFilename);
+    for (const MergeVariable& variable : context.project.MergeVariables()) {
+        if (!EqualsNoCase(variable.Name, "Project Filename") || variable.Value == name) continue;
+        RefreshVariables(context);
+        return;
+    }
+}
+
 /** The save itself; "" on success, else the reason. */
 std::string WriteProject(ProjectContext& context, const std::string& file) {
     FrameContext& frame = context.frame;
@@ -97,7 +108,7 @@ std::string WriteProject(ProjectContext& context, const std::string& file) {
     if (IsInRunFolder(frame, file))
         return "That folder is the program's own and is emptied. Please choose another one.";
     if (!MakeFolder(frame.files, GetParentFolder(file)))
-        return "The folder " + GetParentFolder(file) + " can not be made.";
+        return "The folder " + ToNativePath(GetParentFolder(file)) + " can not be made.";
 
     // 1. Nobody else may have the file open.
     std::string holder;
@@ -105,8 +116,10 @@ std::string WriteProject(ProjectContext& context, const std::string& file) {
     if (!lock.granted) return holder;
 
     // 2. What the user sees goes into the files and into the tree.
+    RefreshFilenameVariable(context);
     std::string unwritten;
     if (!UpdateOpenPageProperties(context, &unwritten)) return unwritten;
+    NoteUnusedAttachments(context);
     if (!FileExists(frame.files, project.ThumbnailFilename)) CreateThumbnail(context);
 
     // 3. The project file. The library keeps the former one whole until the new one is.
@@ -182,7 +195,10 @@ bool SaveProject(ProjectContext& context, Proceed proceed, Silent silent) {
         if (reason.empty()) return true;
         const std::string failed = file;
         // A name under which nothing could be saved is none.
-        if (!named) file.clear();
+        if (!named) {
+            file.clear();
+            RefreshFilenameVariable(context);
+        }
         TellFailure(context, failed, silent, reason);
         return false;
     });
@@ -197,7 +213,14 @@ bool SaveProjectAs(ProjectContext& context) {
         return true;
     }
     file = former;
+    RefreshFilenameVariable(context);
     return false;
+}
+
+std::vector<std::string> RefreshVariables(ProjectContext& context) {
+    UpdateProjectMergeVariables(context);
+    UpdateMergeVariablesInOpenPages(context);
+    return UpdateMergeVariablesInClosedPages(context, PagesToUpdate::ClosedOnly);
 }
 
 bool UpdateOpenPageProperties(ProjectContext& context, std::string* unwritten) {

@@ -1,5 +1,6 @@
 #include "project/InsertPage.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -78,6 +79,27 @@ TEST_F(InsertTest, NamesFilesAndTitles) {
     test.frame.settings.HTMLTemplateFilename = test.folder.Put("in\\blank.htm", "<p>");
     EXPECT_EQ(GetFileName(Insert(test.frame.settings.HTMLTemplateFilename)->Filename),
               "page_3.htm");
+}
+
+TEST_F(InsertTest, NewPagesSayWhichLanguageTheyAreInAndFitAnyScreen) {
+    const std::filesystem::path tests = PAGEWICK_TEST_DATA;
+    const auto blank = tests.parent_path().parent_path() / "data" / "blank.htm";
+    const char* const former = std::getenv("LC_ALL");
+    const std::string kept = former ? former : "";
+    const struct {
+        const char* locale;
+        const char* language;
+    } rows[] = {{"de_AT.UTF-8", "de"}, {"fil.UTF-8", "fil"}, {"C", "en"}, {"<x>", "en"}};
+    for (const auto& row : rows) {
+        ASSERT_EQ(::setenv("LC_ALL", row.locale, 1), 0);
+        const Page* page = Insert(FromNativePath(blank.string()));
+        ASSERT_TRUE(page) << reason;
+        const auto document = dom::Document::parse(test.Text(page->Filename));
+        EXPECT_EQ(document->tags("HTML").at(0)->getAttribute("lang"), row.language) << row.locale;
+        EXPECT_EQ(document->tags("META").at(1)->getAttribute("content"),
+                  "width=device-width, initial-scale=1");
+    }
+    former ? ::setenv("LC_ALL", kept.c_str(), 1) : ::unsetenv("LC_ALL");
 }
 
 TEST_F(InsertTest, PullsMediaAndChangesNothingElse) {

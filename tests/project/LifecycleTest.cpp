@@ -123,8 +123,13 @@ TEST(SaveProject, AsksForANameOnlyWhenItMay) {
 
 TEST(SaveProjectAs, RestoresTheFormerName) {
     TestProject test;
-    test.Insert("one");
+    const Page* page = test.Insert("one", "<a type=omMerge name='Project Filename'></a>");
+    const auto shown = [&] {
+        const auto document = dom::Document::parse(test.Text(page->Filename));
+        return document->innerText(*document->tags("A").at(0));
+    };
     const std::string first = test.SaveAs("first.pwp");
+    EXPECT_EQ(shown(), "first.pwp") << "the first save tells the pages";
 
     test.dialogs.ExpectFile("");
     EXPECT_FALSE(SaveProjectAs(test.context));
@@ -135,6 +140,7 @@ TEST(SaveProjectAs, RestoresTheFormerName) {
     test.dialogs.ExpectMessage(Answer::Ok, "Project 'x.pwp' can not be saved.");
     EXPECT_FALSE(SaveProjectAs(test.context));
     EXPECT_EQ(test.frame.settings.ProjectFilename, first) << "failed";
+    EXPECT_EQ(shown(), "first.pwp");
 
     test.dialogs.ExpectFile(test.frame.settings.PreviewFolder + "\\x.pwp");
     test.dialogs.ExpectMessage(Answer::Ok, "the program's own");
@@ -143,6 +149,7 @@ TEST(SaveProjectAs, RestoresTheFormerName) {
     test.dialogs.ExpectFile(test.folder.Path("second.pwp"));
     EXPECT_TRUE(SaveProjectAs(test.context));
     EXPECT_EQ(test.frame.settings.ProjectFilename, test.folder.Path("second.pwp"));
+    EXPECT_EQ(shown(), "second.pwp");
     EXPECT_TRUE(OpenProject(test.context, first, Silent::No)) << "the first file is free again";
 }
 
@@ -203,7 +210,7 @@ TEST(OpenProject, FailsWithAReasonAndKeepsWhatIsOpen) {
         EXPECT_TRUE(FileExists(*test.files, test.project.FindPage("W0001P0001")->Filename));
     }
     const std::string missing = test.folder.Path("missing.pwp");
-    test.dialogs.ExpectMessage(Answer::Ok, "Project file '" + missing +
+    test.dialogs.ExpectMessage(Answer::Ok, "Project file '" + ToNativePath(missing) +
                                                "' does not exist.\n\nPlease choose another "
                                                "project and try again.");
     EXPECT_FALSE(OpenProject(test.context, missing, Silent::No));

@@ -177,10 +177,10 @@ TEST(PageCleaning, GivesPicturesTheirVirtualPathsAndLinesTheirEnds) {
     Page* page = test.Insert("a");
     const std::string media = test.frame.settings.MediaFolder;
     const auto document = dom::Document::parseText("<body>\n<img src=\"" + media +
-                                                   "\\a.gif\">\r\n<img src='media/b.gif'>\r");
+                                                   "\\a b.gif\">\r\n<img src='media/b c.gif'>\r");
     EXPECT_EQ(UpdateHTML(test.context, *document, page->Key()),
-              "<body>\r\n<img src=\"media/a.gif\">\r\n<img src='media/b.gif'>\r\n");
-    EXPECT_THAT(document->html(), testing::StartsWith("<body>\n<img src=\"media/a.gif\">\r\n"))
+              "<body>\r\n<img src=\"media/a%20b.gif\">\r\n<img src='media/b c.gif'>\r\n");
+    EXPECT_THAT(document->html(), testing::StartsWith("<body>\n<img src=\"media/a%20b.gif\">\r\n"))
         << "the file keeps its line ends";
 }
 

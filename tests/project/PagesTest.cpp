@@ -2,6 +2,7 @@
 
 #include "project/Folders.h"
 #include "project/FramesetMask.h"
+#include "project/PageNames.h"
 #include "support/TestProject.h"
 
 namespace pw {
@@ -62,14 +63,100 @@ TEST(Pages, AreRemovedWithTheirWindowsAndWithAllBelowThem) {
     EXPECT_FALSE(test.workspace.Find(deep));
     EXPECT_FALSE(GetProjectItem(test.context, folderKey));
     EXPECT_EQ(test.project.PageCount(), 1);
-    EXPECT_TRUE(FileExists(*test.files, file)) << "files go with the scratch area only";
+    EXPECT_FALSE(FileExists(*test.files, file));
+
+    std::string reason;
+    test.workspace.ShowPage(top, "top", GetPage(test.context, top)->Filename, 0);
+    test.workspace.Find(top)->refusesToClose = true;
+    EXPECT_FALSE(RemoveProjectItem(test.context, top, nullptr, &reason));
+    EXPECT_NE(reason.find("'top' is still open"), std::string::npos) << reason;
+    EXPECT_TRUE(FileExists(*test.files, GetPage(test.context, top)->Filename));
+    test.workspace.Find(top)->refusesToClose = false;
 
     RemovedItem removed;
     EXPECT_TRUE(RemoveProjectItem(test.context, top, &removed));
     ASSERT_TRUE(removed.page);
+    EXPECT_TRUE(FileExists(*test.files, removed.aside + "\\index.htm"));
     EXPECT_EQ(removed.page->Name, "top");
     for (const auto& key : {top, std::string("W0009"), std::string()})
         EXPECT_FALSE(RemoveProjectItem(test.context, key)) << key;
+}
+
+struct RemovedPages : testing::Test {
+    std::string Path(const std::string& name) const {
+        return BuildPath(test.frame.settings.PreviewFolder, name);
+    }
+    bool Stands(const std::string& name) const { return FileExists(*test.files, Path(name)); }
+    void Put(const std::string& name) {
+        ASSERT_TRUE(MakeFolder(*test.files, GetParentFolder(Path(name))));
+        ASSERT_EQ(test.files->Write(Path(name), "x"), FileError::None);
+    }
+    TestProject test;
+};
+
+TEST_F(RemovedPages, TakeTheirFilesAlongButNotThoseOfOthers) {
+    for (const char* file : {"own.gif", "listed.gif", "linked.pdf", "styled.gif", "twice.gif"})
+        Put(std::string("media\\") + file);
+    Put("Docs\\media\\deep.gif");
+    Put("Docs\\media\\lent.gif");
+    Folder* folder = AddFolder(test.context, {}, {"Docs"});
+    Page* home = test.Insert("home");
+    Page* other = test.Insert("other");
+    ASSERT_EQ(test.files->Write(other->Filename,
+                                "<a href='media/linked%2Epdf'>x</a>"
+                                "<p style='background: url(media/styled.gif)'>"
+                                "<img src=Docs/media/lent.gif>"),
+              FileError::None);
+    for (const char* file : {"own.gif", "listed.gif", "linked.pdf", "styled.gif"})
+        home->Attachments().Add(Path(std::string("media\\") + file));
+    other->Attachments().Add(Path("media\\listed.gif"));
+    Page* deep = test.Insert("deep", "", Container(*folder));
+    deep->Attachments().Add(Path("Docs\\media\\deep.gif"));
+    deep->Attachments().Add(Path("media\\twice.gif"));
+    test.project.Attachments().Add(Path("media\\twice.gif"));
+
+    ASSERT_TRUE(home->IsDefault);
+    RemovedItem removed;
+    ASSERT_TRUE(RemoveProjectItem(test.context, home->Key(), &removed));
+    EXPECT_FALSE(Stands("index.htm") || Stands("media\\own.gif"));
+    EXPECT_TRUE(FileExists(*test.files, removed.aside + "\\media\\own.gif"));
+    for (const char* file : {"listed.gif", "linked.pdf", "styled.gif"}) {
+        EXPECT_TRUE(Stands(std::string("media\\") + file)) << file;
+        EXPECT_TRUE(other->Attachments().Find(Path(std::string("media\\") + file)))
+            << file << " is saved with the page that refers to it";
+    }
+    EXPECT_EQ(GetFileName(test.Insert("again")->Filename), "index.htm");
+
+    const std::string folderKey = folder->Key();
+    ASSERT_TRUE(RemoveProjectItem(test.context, folderKey, &removed));
+    EXPECT_FALSE(Stands("Docs\\deep.htm") || Stands("Docs\\media\\deep.gif"));
+    EXPECT_TRUE(FileExists(*test.files, removed.aside + "\\Docs\\deep.htm"));
+    EXPECT_TRUE(Stands("Docs\\media\\lent.gif") && Stands("media\\twice.gif"));
+}
+
+TEST_F(RemovedPages, LeaveTheirNamesToOthers) {
+    Folder* first = AddFolder(test.context, {}, {"News"});
+    Folder* second = AddFolder(test.context, {}, {"Old"});
+    test.Insert("a", "", Container(*first));
+    const std::string gone = test.Insert("first")->Key();
+    Page* next = test.Insert("next");
+    std::string reason;
+    ASSERT_TRUE(RemoveProjectItem(test.context, gone));
+    EXPECT_FALSE(IsPageNameTaken(test.context, *next, "index.htm"));
+    ASSERT_TRUE(RemoveProjectItem(test.context, std::string(first->Key())));
+    EXPECT_TRUE(RenameFolderOnDisk(test.context, *second, "News", &reason)) << reason;
+
+    // A removal that fails half-way leaves everything as it was.
+    Page* blocked = test.Insert("b", "", Container(*second));
+    test.project.IsDirty = false;
+    const std::string wall = BuildPath(test.frame.settings.WorkingFolder, "removed\\3");
+    ASSERT_EQ(test.files->Write(wall + ".txt", "x"), FileError::None);
+    ASSERT_TRUE(DeleteFolder(*test.files, GetParentFolder(wall)));
+    ASSERT_EQ(test.files->Write(GetParentFolder(wall), "a file in the way"), FileError::None);
+    EXPECT_FALSE(RemoveProjectItem(test.context, std::string(second->Key()), nullptr, &reason));
+    EXPECT_NE(reason.find("can not be moved aside"), std::string::npos) << reason;
+    EXPECT_EQ(GetProjectItem(test.context, blocked->Key()).page, blocked);
+    EXPECT_TRUE(FileExists(*test.files, blocked->Filename));
 }
 
 TEST(Pages, CountWhatAVisitorLoads) {

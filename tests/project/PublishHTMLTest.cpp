@@ -1,7 +1,10 @@
 #include "project/PublishHTML.h"
 
+#include <gmock/gmock.h>
 #include <unistd.h>
 
+#include "project/DroppedFiles.h"
+#include "project/MergeVariables.h"
 #include "project/Pages.h"
 #include "support/TestProject.h"
 
@@ -9,6 +12,7 @@ namespace pw {
 namespace {
 
 using test::TestProject;
+using testing::HasSubstr;
 
 TEST(PublishAsHTML, CopiesTheSiteAndNothingElse) {
     TestProject test;
@@ -40,6 +44,36 @@ TEST(PublishAsHTML, CopiesTheSiteAndNothingElse) {
     EXPECT_TRUE(WriteTextFile(*test.files, "the user's", result.folder + "\\own.txt"));
     EXPECT_TRUE(PublishAsHTML(test.context, test.folder.Path("www\\here")).published);
     EXPECT_EQ(test.Text(result.folder + "\\own.txt"), "the user's");
+}
+
+TEST(PublishAsHTML, LeavesOutWhatNoPageRefersToAnyMore) {
+    TestProject test;
+    test.project.Name = "Shop";
+    test.folder.Put("source\\gone.gif", "GIF");
+    test.Insert("index", "<a type=omMerge name='Project Pages'>7</a>");
+    const std::string open = test.Insert("open", "<p>x</p>", {}, ShowInsertedPage::Yes)->Key();
+    const std::string removed = test.Insert("removed", "<img src=gone.gif>")->Key();
+    const TakenFiles taken =
+        TakeFiles(test.context, open, {test.folder.Put("in\\dropped.gif", "GIF89a")});
+    auto& document = *test.workspace.Find(open)->document;
+    document.setInnerHTML(*document.body(),
+                          "<p>" + VariableMarkup("Project Pages", "3") + taken.html);
+    const auto publish = [&] {
+        const PublishResult result = PublishAsHTML(test.context, test.folder.Path("www"));
+        EXPECT_TRUE(result.published) << result.reason;
+        std::string names;
+        for (const char* name : {"gone.gif", "dropped.gif"})
+            if (FileExists(*test.files, result.folder + "\\media\\" + name)) names += name;
+        EXPECT_TRUE(DeleteFolder(*test.files, result.folder + "\\media"));
+        return names;
+    };
+    EXPECT_EQ(publish(), "gone.gifdropped.gif");
+    RemoveProjectItem(test.context, removed);
+    document.setInnerHTML(*document.body(), "<p>" + VariableMarkup("Project Pages", "3"));
+    EXPECT_EQ(publish(), "");
+    for (const char* page : {"index.htm", "open.htm"})
+        EXPECT_THAT(test.Text(test.folder.Path("www\\Shop\\") + page), HasSubstr(">2</"))
+            << page << " tells how many pages there are";
 }
 
 TEST(PublishAsHTML, RefusesPlacesThatItWouldDamage) {
@@ -78,19 +112,40 @@ TEST(PublishAsHTML, RefusesPlacesThatItWouldDamage) {
 
 TEST(AskAndPublishAsHTML, SaysWhatCameOfIt) {
     TestProject test;
-    test.project.Name = "Shop";
-    test.Insert("one");
-    test.dialogs.ExpectFolder("");
-    AskAndPublishAsHTML(test.context);
+    test.project.Name = "Tea Shop";
+    Page* page = test.Insert("one");
+    const std::string target = test.folder.Path("www\\Tea Shop");
+    const std::string done =
+        "The project has been successfully published as HTML to folder:\n\n" + ToNativePath(target);
+    const std::string failed = "could not be published as HTML.\n\nPlease try again.";
+    const auto ask = [&](const std::string& folder, Answer answer, const std::string& text) {
+        test.dialogs.ExpectFolder(folder);
+        if (!folder.empty()) test.dialogs.ExpectMessage(answer, text);
+        AskAndPublishAsHTML(test.context);
+        return test.dialogs.Messages().empty() ? Message{} : test.dialogs.Messages().back();
+    };
+    ask("", Answer::Ok, "");
+    EXPECT_EQ(ask(test.folder.Path("www"), Answer::Ok, done).icon, Icon::Information);
+    EXPECT_EQ(ask(test.frame.runFolder, Answer::Ok, failed).title, "Publish as HTML");
+    EXPECT_TRUE(test.launcher.urls.empty());
+
+    ASSERT_EQ(test.files->Write(page->Filename,
+                                "<title>One</title><a href=no.htm>x</a><a href=index.htm#no>y</a>"
+                                "<a href=http://a.org/>z</a>"),
+              FileError::None);
+    const Message message = ask(test.folder.Path("www"), Answer::Action, done);
+    EXPECT_EQ(message.action, "&Open");
+    EXPECT_EQ(message.icon, Icon::Exclamation);
+    EXPECT_THAT(message.text, HasSubstr("These links lead nowhere: 'no.htm (one)' and "
+                                        "'index.htm#no (one)'."));
+    ASSERT_EQ(test.launcher.urls.size(), 1u);
+    EXPECT_THAT(test.launcher.urls[0], testing::EndsWith("/www/Tea%20Shop/index.htm"));
+
+    test.launcher.works = false;
     test.dialogs.ExpectFolder(test.folder.Path("www"));
-    test.dialogs.ExpectMessage(
-        Answer::Ok, "The project has been successfully published as HTML to folder:\n\n" +
-                        test.folder.Path("www\\Shop"));
+    test.dialogs.ExpectMessage(Answer::Action, done);
+    test.dialogs.ExpectMessage(Answer::Ok, ToNativePath(target));
     AskAndPublishAsHTML(test.context);
-    test.dialogs.ExpectFolder(test.frame.runFolder);
-    test.dialogs.ExpectMessage(Answer::Ok, "could not be published as HTML.\n\nPlease try again.");
-    AskAndPublishAsHTML(test.context);
-    EXPECT_EQ(test.dialogs.Messages().back().title, "Publish as HTML");
 }
 
 }  // namespace

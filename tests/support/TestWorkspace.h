@@ -43,6 +43,7 @@ class TestOpenPage : public OpenPage {
     int viewState = 1;
     int takeOvers = 0;
     int captions = 0;
+    bool refusesToClose = false;
 
   private:
     TestWorkspace& workspace_;
@@ -142,6 +143,7 @@ inline bool TestOpenPage::Capture(const std::string& path) {
 }
 
 inline void TestOpenPage::CloseWindow() {
+    if (refusesToClose) return;
     workspace_.Note("CloseWindow", key);
     if (workspace_.files.Write(filename, document->bytes()) != FileError::None)
         workspace_.Note("CloseWindow failed", key);

@@ -6,6 +6,7 @@
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 
@@ -51,6 +52,20 @@ class PosixSystemInfo : public SystemInfo {
         return user && user->pw_name ? user->pw_name : std::to_string(::geteuid());
     }
 
+    std::string Language() const override {
+        // In the order in which the system looks: "de_AT.UTF-8", "C", "pt_BR@euro".
+        for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+            const char* value = std::getenv(name);
+            if (!value || !*value) continue;
+            std::string language(value);
+            language.resize(std::min(language.find_first_of("_.@"), language.size()));
+            const bool isName = (language.size() == 2 || language.size() == 3) &&
+                                std::all_of(language.begin(), language.end(),
+                                            [](char c) { return c >= 'a' && c <= 'z'; });
+            return isName ? language : "en";
+        }
+        return "en";
+    }
     std::string OSName() const override {
         utsname system{};
         if (::uname(&system) != 0) return "";

@@ -7,6 +7,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QPushButton>
 
 #include <algorithm>
 
@@ -74,6 +75,7 @@ QMessageBox::StandardButton defaultButton(Answer answer, const ButtonSet& set) {
             return QMessageBox::No;
         case Answer::Ok:
         case Answer::Yes:
+        case Answer::Action:
             break;
     }
     return set.first;
@@ -180,7 +182,13 @@ Answer QtDialogHost::MsgBox(const Message& message) {
         box.setEscapeButton(QMessageBox::No);
     }
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return answerOf(box.exec(), *set);
+    const QPushButton* action = message.action.empty()
+                                    ? nullptr
+                                    : box.addButton(toQt(message.action), QMessageBox::ActionRole);
+    // With more than one button Qt no longer knows which one the frame stands for.
+    if (action && set->shown == QMessageBox::Ok) box.setEscapeButton(QMessageBox::Ok);
+    const int button = box.exec();
+    return action && box.clickedButton() == action ? Answer::Action : answerOf(button, *set);
 }
 
 std::string QtDialogHost::OpenFile(const FileQuestion& question) {
