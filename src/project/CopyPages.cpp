@@ -80,8 +80,10 @@ bool CopyPage(ProjectContext& context, std::string_view key) {
     return Trap(context.frame.errorLog, kModule, "CopyPage", false, [&] {
         Page* page = GetPage(context, key);
         if (!page) return false;
-        if (context.workspace.FindOpenPage(page->Key()) && !SavePageFile(context, *page))
-            return false;
+        if (OpenPage* open = context.workspace.FindOpenPage(page->Key())) {
+            if (!SavePageFile(context, *page)) return false;
+            SaveAttachments(context, open->Document(), open->BaseURL(), *page);
+        }
         FileSystem& files = context.frame.files;
         const std::string folder = ClipboardFolder(context);
         if (!DeleteFolder(files, folder) || !MakeFolder(files, folder)) return false;

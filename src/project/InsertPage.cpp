@@ -12,6 +12,7 @@
 #include "project/MergeVariables.h"
 #include "project/Paths.h"
 #include "project/References.h"
+#include "project/RemovedFiles.h"
 #include "project/Workspace.h"
 
 namespace pw {
@@ -94,6 +95,8 @@ class Insertion {
         try {
             Fill(pageNumber);
         } catch (...) {
+            // No name stays taken by a page that is none.
+            static_cast<void>(MoveAside(context_, {page_->Filename}));
             container_.PageList().Remove(page_->Key());
             throw;
         }

@@ -140,9 +140,9 @@ std::vector<std::string> DeadLinks(ProjectContext& context) {
 /** The file of the page that a visitor comes to first, below `target`. */
 std::string FirstPage(ProjectContext& context, const std::string& target) {
     const std::string& root = context.frame.settings.PreviewFolder;
-    const PageIndexEntry* first = context.project.PageIndex().Item(1);
-    const Page* page = GetDefaultPage(context, "W0001");
-    if (!page && first) page = first->Item;
+    const WebSite* site = context.project.WebSites().Item(1);
+    const Page* page = site ? GetDefaultPage(context, site->Key()) : nullptr;
+    if (!page && site) page = site->Pages().Item(1);
     return page && IsInFolder(page->Filename, root)
                ? BuildPath(target, page->Filename.substr(root.size() + 1))
                : std::string();

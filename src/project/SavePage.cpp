@@ -33,6 +33,7 @@ std::string WriteCopy(ProjectContext& context, const Page& page, const std::stri
         return "That is the file of this project. Please choose another name.";
     std::string reason;
     if (!UpdateOpenPageProperties(context, &reason)) return reason;
+    NoteUnusedAttachments(context);
     // The page's own file is now what the user sees, with a frameset restored.
     const FileError error = frame.files.Copy(page.Filename, path);
     if (error != FileError::None) return "The reason: " + Describe(error) + ".";

@@ -117,7 +117,7 @@ TEST(DialogHost, MessagesAnswer) {
     struct Row {
         const char* name;
         Message message;
-        int press;  ///< 0: Escape, -1: Enter
+        int press;  ///< 0: Escape, -1: Enter, -2: the one more button
         Answer answer;
     };
     const Row rows[] = {
@@ -131,13 +131,19 @@ TEST(DialogHost, MessagesAnswer) {
          {"t", "T", Icon::Exclamation, Buttons::OkCancel},
          QMessageBox::Cancel,
          Answer::Cancel},
+        {"Action", {"t", "T", Icon::None, Buttons::Ok, Answer::Ok, "&Open"}, -2, Answer::Action},
+        {"ActionEscape", {"t", "T", Icon::None, Buttons::Ok, Answer::Ok, "&Open"}, 0, Answer::Ok},
+        {"ActionEnter", {"t", "T", Icon::None, Buttons::Ok, Answer::Ok, "&Open"}, -1, Answer::Ok},
     };
     for (const Row& row : rows) {
         QtDialogHost host;
         whenModal<QMessageBox>([&](QMessageBox& box) {
             EXPECT_EQ(fromQt(box.text()), row.message.text) << row.name;
             EXPECT_EQ(box.textFormat(), Qt::PlainText) << row.name;
-            if (row.press > 0) {
+            if (row.press == -2) {
+                for (QAbstractButton* button : box.buttons())
+                    if (button->text() == "&Open") button->click();
+            } else if (row.press > 0) {
                 box.button(QMessageBox::StandardButton(row.press))->click();
             } else {
                 QTest::keyClick(&box, row.press == 0 ? Qt::Key_Escape : Qt::Key_Return);
