@@ -1,5 +1,7 @@
 #include "project/CopyPages.h"
 
+#include <algorithm>
+
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "project/Attachments.h"
@@ -9,6 +11,8 @@
 #include "project/PageNames.h"
 #include "project/Paths.h"
 #include "project/References.h"
+#include "project/RemovedFiles.h"
+#include "project/Scratch.h"
 #include "project/Workspace.h"
 
 namespace pw {
@@ -39,21 +43,51 @@ std::string FreeFormerName(const ProjectContext& context, const Container& targe
     return NameInFolder(context.frame.files, folder, name).empty() ? name : "";
 }
 
+/** The files of a cut page stand where they lay for as long as it is pasted: its links lead there,
+ *  and a page that is pasted into the same folder goes on with them. What it does not take is moved
+ *  aside again. */
+class FormerFiles {
+  public:
+    explicit FormerFiles(ProjectContext& context) : context_(context) {
+        const auto& copied = context.copiedPage;
+        if (!copied.isCut) return;
+        FileSystem& files = context.frame.files;
+        const std::string media = BuildPath(GetParentFolder(copied.file), "media");
+        for (const auto& file : copied.files) {
+            const std::string copy = BuildPath(media, GetFileName(file.path));
+            if (FileExists(files, file.path) || !FileExists(files, copy) ||
+                !IsInRunFolder(context.frame, copy))
+                continue;
+            if (MakeFolder(files, GetParentFolder(file.path)) &&
+                CopyFile(files, copy, file.path))
+                restored_.push_back(file.path);
+        }
+    }
+    ~FormerFiles() {
+        const auto listed = ListedFiles(context_);
+        std::erase_if(restored_, [&](const std::string& file) { return listed.contains(file); });
+        static_cast<void>(MoveAside(context_, restored_));
+    }
+    FormerFiles(const FormerFiles&) = delete;
+    FormerFiles& operator=(const FormerFiles&) = delete;
+
+  private:
+    ProjectContext& context_;
+    std::vector<std::string> restored_;
+};
+
 /** What only the list of the former page's attachments tells: links to documents do not bring them
  *  along, and which ones the user had added can't be seen in the page. */
 void TakeOverAttachments(ProjectContext& context, Page& page) {
-    const auto& copied = context.copiedPage;
-    const std::string media = BuildPath(GetParentFolder(copied.file), "media");
-    for (const auto& file : copied.files) {
+    const auto uses = context.uses.OfPage(context, page);
+    for (const auto& file : context.copiedPage.files) {
         const std::string name = GetFileName(file.path);
         Attachment* taken = nullptr;
         for (Attachment& present : page.Attachments())
             if (GetFileName(present.Filename()) == name) taken = &present;
-        if (!taken) {
-            const bool stands = FileExists(context.frame.files, file.path);
-            taken = AddSystemAttachment(context, stands ? file.path : BuildPath(media, name), page,
-                                        file.origin);
-        }
+        const bool isUsedThere = std::binary_search(uses.begin(), uses.end(), file.path);
+        if (isUsedThere || (!taken && file.origin == AttachmentOrigin::Chosen))
+            taken = AddSystemAttachment(context, file.path, page, file.origin);
         if (!taken) continue;
         taken->Origin = file.origin;
         taken->Description = file.description;
@@ -134,6 +168,7 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
             return LinkFromElsewhere(context, copy, value);
         });
     };
+    const FormerFiles former(context);
     Page* page = InsertPage(context, request, reason);
     if (page) TakeOverProperties(context, *page);
     return page;

@@ -44,19 +44,24 @@ TEST_F(CopiedPages, KeepNameLinksAndFilesWhenCutAndPasted) {
         const char* name;
         std::string target;
         std::string folder;
+        const char* link;
     };
     std::string key = page->Key();
-    for (const Row& row : {Row{"into the same folder", home->Key(), ""},
-                           Row{"into another one", folder->Key(), "\\Docs"}}) {
+    for (const Row& row : {Row{"into the same folder", home->Key(), "", "media/list.pdf"},
+                           Row{"into another one", folder->Key(), "\\Docs", "../media/list.pdf"}}) {
         SCOPED_TRACE(row.name);
         ASSERT_TRUE(CutPage(test.context, key, &reason)) << reason;
         Page* moved = PastePage(test.context, row.target, &reason);
         ASSERT_TRUE(moved) << reason;
-        const std::string root = test.frame.settings.PreviewFolder + row.folder;
-        EXPECT_EQ(moved->Filename, root + "\\About.html");
-        EXPECT_THAT(test.Text(moved->Filename), HasSubstr("<a href=media/list.pdf>"));
-        for (const char* file : {"a.gif", "list.pdf", "chosen.zip"})
-            EXPECT_TRUE(FileExists(*test.files, root + "\\media\\" + file)) << file;
+        const std::string& root = test.frame.settings.PreviewFolder;
+        EXPECT_EQ(moved->Filename, root + row.folder + "\\About.html");
+        EXPECT_THAT(test.Text(moved->Filename), HasSubstr(row.link));
+        for (const std::string& file : {row.folder + "\\media\\a.gif",
+                                        std::string("\\media\\list.pdf"),
+                                        std::string("\\media\\chosen.zip")})
+            EXPECT_TRUE(FileExists(*test.files, root + file)) << file;
+        EXPECT_EQ(FileExists(*test.files, root + "\\media\\a.gif"), row.folder.empty())
+            << "what the page no longer uses goes";
         EXPECT_THAT(Listed(*moved), testing::UnorderedElementsAre(
                                         "a.gif 0", "list.pdf 1", "chosen.zip 0"));
         EXPECT_EQ(moved->Description, "what it is");
