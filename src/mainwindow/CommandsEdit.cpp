@@ -56,11 +56,24 @@ void Refuse(MainContext& context, const std::string& text, const std::string& re
                                   Buttons::Ok});
 }
 
+/** A page that was cut lives on in the clipboard alone. */
+bool MayReplaceCutPage(MainContext& context) {
+    const auto& copied = context.project.copiedPage;
+    if (!copied.isCut || copied.isPasted) return true;
+    return context.frame.dialogs.MsgBox(
+               {"The page '" + copied.title +
+                    "' was cut and has not been pasted yet. It will be lost.\n\n"
+                    "Do you want to continue?",
+                context.frame.brand.FormCaption(), Icon::Exclamation, Buttons::YesNo,
+                Answer::No}) == Answer::Yes;
+}
+
 void EditInProjectExplorer(MainContext& context, int tool) {
     if (!IsEditPossible(context, tool, Pane::ProjectExplorer)) return;
     const std::string key = context.window.SelectedProjectNode();
     switch (tool) {
         case kCut: {
+            if (!MayReplaceCutPage(context)) break;
             std::string reason;
             if (CutPage(context.project, key, &reason)) {
                 AfterRemoval(context);
@@ -70,6 +83,7 @@ void EditInProjectExplorer(MainContext& context, int tool) {
             break;
         }
         case kCopy:
+            if (!MayReplaceCutPage(context)) break;
             static_cast<void>(CopyPage(context.project, key));
             break;
         case kPaste: {

@@ -58,8 +58,7 @@ class FormerFiles {
             if (FileExists(files, file.path) || !FileExists(files, copy) ||
                 !IsInRunFolder(context.frame, copy))
                 continue;
-            if (MakeFolder(files, GetParentFolder(file.path)) &&
-                CopyFile(files, copy, file.path))
+            if (MakeFolder(files, GetParentFolder(file.path)) && CopyFile(files, copy, file.path))
                 restored_.push_back(file.path);
         }
     }
@@ -170,7 +169,9 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
     };
     const FormerFiles former(context);
     Page* page = InsertPage(context, request, reason);
-    if (page) TakeOverProperties(context, *page);
+    if (!page) return nullptr;
+    TakeOverProperties(context, *page);
+    context.copiedPage.isPasted = true;
     return page;
 }
 

@@ -64,8 +64,7 @@ class PageReferences {
             const bool isStyle = tag->is("style");
             if (!isStyle && !tag->is("script")) continue;
             const std::size_t begin = tag->end();
-            const std::size_t end =
-                dom::endOfRawText(html, begin, isStyle ? "style" : "script");
+            const std::size_t end = dom::endOfRawText(html, begin, isStyle ? "style" : "script");
             const std::string_view text = html.substr(begin, end - begin);
             if (isStyle) {
                 VisitStyles(text, visit_);
@@ -108,8 +107,7 @@ std::optional<std::string> BaseFolder(std::string_view html, const std::string& 
         if (!tag->is("base")) continue;
         const std::string path = SplitSuffix(tag->attribute("href").value_or("")).path;
         if (!IsLocalReference(path)) return std::nullopt;
-        return JoinReference(folder,
-                             PercentDecode(path.substr(0, path.find_last_of("/\\") + 1)));
+        return JoinReference(folder, PercentDecode(path.substr(0, path.find_last_of("/\\") + 1)));
     }
     return std::nullopt;
 }

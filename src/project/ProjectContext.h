@@ -30,8 +30,9 @@ struct ProjectContext {
     struct CopiedPage {
         std::string file;  ///< path of a copy that stays until the next one is taken
         std::string title;
-        std::string folder;  ///< where the page lay: what its references are relative to
-        bool isCut = false;  ///< the page itself is gone, and its name with it
+        std::string folder;     ///< where the page lay: what its references are relative to
+        bool isCut = false;     ///< the page itself is gone, and its name with it
+        bool isPasted = false;  ///< at least once
         bool isDefault = false;
         std::string description;
         std::string keywords;

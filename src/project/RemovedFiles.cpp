@@ -36,8 +36,8 @@ Outcome<std::string> MoveAside(ProjectContext& context, const std::vector<std::s
     const std::string aside = NextFolder(context);
     std::vector<std::pair<std::string, std::string>> moved;
     for (const std::string& path : paths) {
-        if (path.size() <= root.size() + 1 || !IsInFolder(path, root) ||
-            !files.Stat(path).exists || !IsInRunFolder(context.frame, path))
+        if (path.size() <= root.size() + 1 || !IsInFolder(path, root) || !files.Stat(path).exists ||
+            !IsInRunFolder(context.frame, path))
             continue;
         const std::string target = BuildPath(aside, path.substr(root.size() + 1));
         FileError error = files.MakeFolder(GetParentFolder(target));
@@ -49,9 +49,8 @@ Outcome<std::string> MoveAside(ProjectContext& context, const std::vector<std::s
         for (auto back = moved.rbegin(); back != moved.rend(); ++back)
             static_cast<void>(files.Rename(back->second, back->first));
         DeleteFolder(files, aside);
-        return Problem{"The file '" + ToNativePath(path) +
-                       "' can not be moved aside: " + Describe(error) +
-                       ". Please see that the disk is not full and try again."};
+        return Problem{"The file '" + ToNativePath(path) + "' can not be moved aside: " +
+                       Describe(error) + ". Please see that the disk is not full and try again."};
     }
     return moved.empty() ? std::string() : aside;
 }

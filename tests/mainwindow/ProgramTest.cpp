@@ -239,6 +239,20 @@ TEST(Program, CopiesAndCutsPagesInTheExplorer) {
     EXPECT_EQ(copy->Name.rfind("Copy of ", 0), 0u) << copy->Name;
     EXPECT_NE(FileOf(program, copy->Key()).find("Copied"), std::string::npos);
 
+    const auto press = [&](const std::string& key, int tool) {
+        tree.UserSelect(key);
+        tree.MouseUp(true);
+        program.Press(tool);
+        return program.project().PageCount();
+    };
+    const std::string second = copy->Key();
+    EXPECT_EQ(press(first, 1103), 1);
+    program.dialogs().ExpectMessage(Answer::No, "was cut and has not been pasted yet");
+    EXPECT_EQ(press(second, 1103), 1) << "the page cut before lives in the clipboard alone";
+    EXPECT_EQ(press(second, 1105), 2);
+    EXPECT_EQ(press(second, 1103), 1);
+    EXPECT_EQ(press(program.project().PageIndex().Item(1)->Key(), 1105), 2);
+
     program.dialogs().ExpectDialog("frmFolder", [](Dialog& dialog) {
         static_cast<TextBox*>(dialog.Find("txtName"))->UserSetText("Sub");
         static_cast<Button*>(dialog.Find("cmdOK"))->UserClick();

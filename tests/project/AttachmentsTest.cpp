@@ -62,6 +62,25 @@ TEST(Attachments, AreCopiedIntoTheProjectFirst) {
     EXPECT_EQ(test.folder.Get("copy\\media\\a_b.gif"), "1");
 }
 
+TEST(Attachments, ThatAreRemovedGoUnlessSomethingNeedsThem) {
+    TestProject test;
+    Page* page = test.Insert("a", "<img src=media/used.gif>");
+    Page* other = test.Insert("b");
+    const std::string media = test.frame.settings.MediaFolder;
+    for (const char* name : {"gone.gif", "used.gif", "shared.gif"}) {
+        ASSERT_EQ(test.files->Write(BuildPath(media, name), "x"), FileError::None);
+        page->Attachments().Add(BuildPath(media, name));
+    }
+    other->Attachments().Add(BuildPath(media, "shared.gif"));
+    while (page->Attachments().Count() > 0)
+        EXPECT_TRUE(
+            RemoveAttachment(test.context, *page, std::string(page->Attachments().Item(1)->Key())));
+    EXPECT_FALSE(RemoveAttachment(test.context, *page, "A0001"));
+    EXPECT_FALSE(FileExists(*test.files, media + "\\gone.gif"));
+    EXPECT_TRUE(FileExists(*test.files, media + "\\used.gif"));
+    EXPECT_TRUE(FileExists(*test.files, media + "\\shared.gif"));
+}
+
 TEST(Attachments, OfTheProjectGoByTheirState) {
     TestProject test;
     Attachments& list = test.project.Attachments();

@@ -56,14 +56,14 @@ TEST_F(CopiedPages, KeepNameLinksAndFilesWhenCutAndPasted) {
         const std::string& root = test.frame.settings.PreviewFolder;
         EXPECT_EQ(moved->Filename, root + row.folder + "\\About.html");
         EXPECT_THAT(test.Text(moved->Filename), HasSubstr(row.link));
-        for (const std::string& file : {row.folder + "\\media\\a.gif",
-                                        std::string("\\media\\list.pdf"),
-                                        std::string("\\media\\chosen.zip")})
+        for (const std::string& file :
+             {row.folder + "\\media\\a.gif", std::string("\\media\\list.pdf"),
+              std::string("\\media\\chosen.zip")})
             EXPECT_TRUE(FileExists(*test.files, root + file)) << file;
         EXPECT_EQ(FileExists(*test.files, root + "\\media\\a.gif"), row.folder.empty())
             << "what the page no longer uses goes";
-        EXPECT_THAT(Listed(*moved), testing::UnorderedElementsAre(
-                                        "a.gif 0", "list.pdf 1", "chosen.zip 0"));
+        EXPECT_THAT(Listed(*moved),
+                    testing::UnorderedElementsAre("a.gif 0", "list.pdf 1", "chosen.zip 0"));
         EXPECT_EQ(moved->Description, "what it is");
         EXPECT_FALSE(moved->IsDefault);
         key = moved->Key();

@@ -80,9 +80,9 @@ TEST_F(FileUsesTest, WhatTheProgramPlacedIsSavedWhileItIsReferredTo) {
     Page* other = test.Insert("b");
     test.folder.Put("in\\chosen.pdf", "1");
     AddSystemAttachment(test.context, test.folder.Path("in\\chosen.pdf"), *page);
-    const TakenFiles taken = TakeFiles(test.context, key,
-                                       {test.folder.Put("in\\a.gif", "GIF89a"),
-                                        test.folder.Put("in\\b.pdf", "%PDF")});
+    const TakenFiles taken =
+        TakeFiles(test.context, key,
+                  {test.folder.Put("in\\a.gif", "GIF89a"), test.folder.Put("in\\b.pdf", "%PDF")});
     ASSERT_TRUE(taken.problems.empty());
     auto& document = *test.workspace.Find(key)->document;
     document.setInnerHTML(*document.body(), taken.html);
