@@ -323,7 +323,7 @@ bool RecoverProject(ProjectContext& context, std::unique_ptr<RunFolder>& run,
         }
         if (!ours && !record.projectFile.empty())
             Tell(context, Icon::Information,
-                 "The file " + QuoteSingle(record.projectFile) +
+                 "The file " + QuoteSingle(ToNativePath(record.projectFile)) +
                      " was changed or moved after the program had ended. Please save the recovered "
                      "project under another name.");
         return true;
