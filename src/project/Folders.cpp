@@ -86,8 +86,11 @@ class ReopenedWindows {
         for (OpenPage* open : context.workspace.OpenPages())
             if (open->PageKey().starts_with(folder.Key())) keys_.push_back(open->PageKey());
         for (const auto& key : keys_)
-            if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
+            if (OpenPage* open = context.workspace.FindOpenPage(key))
+                areClosed_ = open->CloseWindow() && areClosed_;
     }
+    /** False when one of them stays; the user has been told why. */
+    bool AreClosed() const { return areClosed_; }
     ~ReopenedWindows() {
         // The one that was in front comes last.
         std::stable_partition(keys_.begin(), keys_.end(),
@@ -103,6 +106,7 @@ class ReopenedWindows {
     ProjectContext& context_;
     std::vector<std::string> keys_;
     std::string current_;
+    bool areClosed_ = true;
 };
 
 }  // namespace
@@ -220,6 +224,9 @@ bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::stri
             return fail("'" + inTheWay + "' already exists here. Please enter a different name.");
 
         const ReopenedWindows windows(context, folder);
+        if (!windows.AreClosed())
+            return fail("Folder '" + folder.Name +
+                        "' can not be renamed while one of its pages can not be closed.");
         if (from != to) {
             const FileError error =
                 FolderExists(files, from) ? files.Rename(from, to) : files.MakeFolder(to);

@@ -1,5 +1,6 @@
 #include "project/Pages.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -58,29 +59,30 @@ ProjectItem Descend(const ProjectContext& context, const ProjectItem& parent, bo
     return child;
 }
 
-void CloseWindowOf(ProjectContext& context, const std::string& key) {
-    if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
+/** False when the window stays. */
+bool CloseWindowOf(ProjectContext& context, const std::string& key) {
+    OpenPage* open = context.workspace.FindOpenPage(key);
+    return !open || open->CloseWindow();
 }
 
-void RemovePagesAndFolders(ProjectContext& context, Folder& folder) {
+void RemovePagesAndFolders(Folder& folder) {
     while (folder.Pages().Count() > 0) {
-        const std::string key = folder.Pages().Item(1)->Key();
-        CloseWindowOf(context, key);
         folder.Pages().Remove(1);
     }
     while (folder.Sections().Count() > 0) {
-        RemovePagesAndFolders(context, *folder.Sections().Item(1));
+        RemovePagesAndFolders(*folder.Sections().Item(1));
         folder.Sections().Remove(1);
     }
 }
 
-void CloseWindowsBelow(ProjectContext& context, std::string_view key) {
+/** False when one of them stays; those before it are closed. */
+bool CloseWindowsBelow(ProjectContext& context, std::string_view key) {
     // Closing a window changes the list of them.
     std::vector<std::string> keys;
     for (OpenPage* open : context.workspace.OpenPages())
         if (open->PageKey().starts_with(key)) keys.push_back(open->PageKey());
-    for (const auto& open : keys)
-        CloseWindowOf(context, open);
+    return std::all_of(keys.begin(), keys.end(),
+                       [&](const std::string& open) { return CloseWindowOf(context, open); });
 }
 
 void Keep(RemovedItem* removed, RemovedItem item) {
@@ -144,20 +146,19 @@ bool RemoveProjectItem(ProjectContext& context, std::string_view keyGiven, Remov
         const ProjectItem item = GetProjectItem(context, key);
         const ProjectItem parent = GetProjectItem(context, ParentKey(key));
         RemovedItem out;
+        if (!item.page && !item.folder && !item.site) return false;
+        // What a window holds that does not close would be lost with its page.
+        if (!(item.page ? CloseWindowOf(context, key) : CloseWindowsBelow(context, key)))
+            return false;
         if (item.page) {
-            CloseWindowOf(context, key);
             out.page = (parent.folder ? parent.folder->Pages() : parent.site->Pages()).Remove(key);
         } else if (item.folder) {
-            CloseWindowsBelow(context, key);
             // Who wants the folder back wants it whole.
-            if (!removed) RemovePagesAndFolders(context, *item.folder);
+            if (!removed) RemovePagesAndFolders(*item.folder);
             auto& siblings = parent.folder ? parent.folder->Sections() : parent.site->Sections();
             out.folder = siblings.Remove(key);
-        } else if (item.site) {
-            CloseWindowsBelow(context, key);
-            out.site = context.project.WebSites().Remove(key);
         } else {
-            return false;
+            out.site = context.project.WebSites().Remove(key);
         }
         Keep(removed, std::move(out));
         context.project.IsDirty = true;
@@ -236,7 +237,10 @@ bool SavePageFile(ProjectContext& context, Page& page, std::string* reason) {
             const int number = GetUniqueFilename(files, "page_", "htm", folder);
             page.Filename = BuildPath(folder, "page_" + std::to_string(number) + ".htm");
         }
-        open->TakeOverEdits();
+        if (!open->TakeOverEdits()) {
+            if (reason) *reason = open->SourceProblem();
+            return false;
+        }
         const dom::Document& document = open->Document();
         const std::string bytes =
             page.PageType == PageType::Frames

@@ -34,7 +34,7 @@ class TestOpenPage : public OpenPage {
     void MarkClean() override { document->markClean(); }
     bool Capture(const std::string& path) override;
     void RefreshCaption() override { ++captions; }
-    void CloseWindow() override;
+    bool CloseWindow() override;
 
     std::string key;
     std::string filename;
@@ -141,7 +141,7 @@ inline bool TestOpenPage::Capture(const std::string& path) {
            workspace_.files.Write(path, workspace_.picture) == FileError::None;
 }
 
-inline void TestOpenPage::CloseWindow() {
+inline bool TestOpenPage::CloseWindow() {
     workspace_.Note("CloseWindow", key);
     if (workspace_.files.Write(filename, document->bytes()) != FileError::None)
         workspace_.Note("CloseWindow failed", key);
@@ -149,6 +149,7 @@ inline void TestOpenPage::CloseWindow() {
     auto& pages = workspace_.pages;
     pages.erase(std::find_if(pages.begin(), pages.end(),
                              [this](const auto& page) { return page.get() == this; }));
+    return true;
 }
 
 }  // namespace pw::test
