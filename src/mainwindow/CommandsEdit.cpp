@@ -59,15 +59,20 @@ void Refuse(MainContext& context, const std::string& text, const std::string& re
 void EditInProjectExplorer(MainContext& context, int tool) {
     if (!IsEditPossible(context, tool, Pane::ProjectExplorer)) return;
     const std::string key = context.window.SelectedProjectNode();
+    std::string reason;
     switch (tool) {
         case kCut:
-            if (CutPage(context.project, key)) AfterRemoval(context);
+            if (CutPage(context.project, key, &reason)) {
+                AfterRemoval(context);
+            } else if (!reason.empty()) {
+                Refuse(context, "The page can not be cut.", reason);
+            }
             break;
         case kCopy:
-            static_cast<void>(CopyPage(context.project, key));
+            if (!CopyPage(context.project, key, &reason) && !reason.empty())
+                Refuse(context, "The page can not be copied.", reason);
             break;
         case kPaste: {
-            std::string reason;
             if (const Page* page = PastePage(context.project, key, &reason)) {
                 context.model.IsDirty = true;
                 RefillProjectExplorer(context);

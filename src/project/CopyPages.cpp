@@ -32,11 +32,11 @@ std::optional<std::string> LinkFromElsewhere(const ProjectContext& context,
 
 }  // namespace
 
-bool CopyPage(ProjectContext& context, std::string_view key) {
+bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason) {
     return Trap(context.frame.errorLog, kModule, "CopyPage", false, [&] {
         Page* page = GetPage(context, key);
         if (!page) return false;
-        if (context.workspace.FindOpenPage(page->Key()) && !SavePageFile(context, *page))
+        if (context.workspace.FindOpenPage(page->Key()) && !SavePageFile(context, *page, reason))
             return false;
         FileSystem& files = context.frame.files;
         const std::string folder = ClipboardFolder(context);
@@ -49,8 +49,8 @@ bool CopyPage(ProjectContext& context, std::string_view key) {
     });
 }
 
-bool CutPage(ProjectContext& context, std::string_view key) {
-    if (!CopyPage(context, key)) return false;
+bool CutPage(ProjectContext& context, std::string_view key, std::string* reason) {
+    if (!CopyPage(context, key, reason)) return false;
     // A page that is moved is no copy of itself.
     context.copiedPage.title.clear();
     return RemoveProjectItem(context, key);

@@ -9,10 +9,11 @@ namespace pw {
 
 class Page;
 
-/** Remembers a copy of the page with its media; an open page is written to its file first. */
-bool CopyPage(ProjectContext& context, std::string_view key);
+/** Remembers a copy of the page with its media; an open page is written to its file first. False,
+ *  with a sentence in `reason` where there is one to tell, when that can't be. */
+bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason = nullptr);
 /** The same, and takes the page out of the project. */
-bool CutPage(ProjectContext& context, std::string_view key);
+bool CutPage(ProjectContext& context, std::string_view key, std::string* reason = nullptr);
 /** Inserts the page and shows it, in the folder or site at the key or in that of the page at the
  *  key. Links to the project's files go on leading there. None, with a sentence in `reason`, when
  *  it could not be done. */

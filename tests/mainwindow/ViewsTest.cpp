@@ -151,6 +151,12 @@ TEST_F(Views, RefusedSourceIsToldOnceAndNeverLost) {
         {"its window closed", [&] { EXPECT_FALSE(program.page().CloseWindow()); }},
         {"saved", [&] { program.Press(7); }},
         {"removed", [&] { EXPECT_FALSE(RemoveProjectItem(program.window().ProjectState(), key)); }},
+        {"cut",
+         [&] {
+             program.PressNode(key);
+             program.window().PaneFocused(Pane::ProjectExplorer);
+             program.Press(103);
+         }},
         {"page properties", [&] { ShowPageProperties(program.window().ProjectState(), key); }},
         {"all windows closed", [&] { program.Press(904); }},
     };

@@ -198,6 +198,7 @@ std::string QtDialogHost::OpenFile(const FileQuestion& question) {
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
     prepare(dialog, question);
+    dialog.setDefaultSuffix(toQt(question.defaultExtension));
     return chosenFile(dialog);
 }
 
