@@ -1,7 +1,6 @@
 // The desktop program: the core's Program with real files and real windows.
 #include <QtWebEngineCore/qtwebenginecoreglobal.h>
 #include <unistd.h>
-#include <QApplication>
 #include <QCommandLineParser>
 #include <QTextStream>
 #include <QTimer>
@@ -13,6 +12,7 @@
 #include "frame/Help.h"
 #include "mainwindow/Program.h"
 #include "mainwindow/frmDocument.h"
+#include "platform/qt/Application.h"
 #include "platform/qt/MainWindow.h"
 #include "platform/qt/PagePicture.h"
 #include "platform/qt/QtClipboard.h"
@@ -75,7 +75,7 @@ class ReadyReport : public QTimer {
     Program& program_;
 };
 
-int run(QApplication& application, const Arguments& arguments) {
+int run(Application& application, const Arguments& arguments) {
     const Theme theme(application);
     const auto files = MakePosixFileSystem();
     const auto clock = MakeSystemClock();
@@ -120,6 +120,14 @@ int run(QApplication& application, const Arguments& arguments) {
         World{*files, *hive, *clock, *system, loop, dialogs, clipboard, *launcher}, places,
         std::move(parts));
 
+    application.onFault = [&program](Application::Fault fault) {
+        FaultReport& faults = program->Frame().faults;
+        if (fault == Application::Fault::Told) {
+            faults.HandlerFailed("Application.", "notify");
+        } else {
+            faults.Log("Application.", "notify");
+        }
+    };
     const std::string file = arguments.file.isEmpty()
                                  ? ""
                                  : FromNativeArgument(arguments.file.toLocal8Bit().toStdString());
@@ -133,6 +141,7 @@ int run(QApplication& application, const Arguments& arguments) {
     }
     // The window draws the program's controls: it lets go of them before they die.
     if (window) window->unbind();
+    application.onFault = nullptr;
     program.reset();
     return result;
 }
@@ -144,7 +153,7 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     // The browser engine refuses to start its sandbox as root.
     if (geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
-    QApplication application(argc, argv);
+    Application application(argc, argv);
     QApplication::setApplicationName("Pagewick");
     QApplication::setApplicationVersion(QString::fromStdString(GetVersionString()));
     QApplication::setDesktopFileName("pagewick");
@@ -156,5 +165,11 @@ int main(int argc, char** argv) {
                             << arguments.picture << "'." << Qt::endl;
         return 1;
     }
-    return run(application, arguments);
+    try {
+        return run(application, arguments);
+    } catch (const std::exception& failure) {
+        application.onFault = nullptr;
+        QTextStream(stderr) << "Pagewick can not go on: " << failure.what() << Qt::endl;
+        return 1;
+    }
 }

@@ -13,8 +13,9 @@ const std::vector<Command>& Commands() {
         {"new",
          "PROJECT.pwp [--name NAME]",
          "Make a new project without pages.",
-         "The project is named after its file unless a name is given. A file that exists is not\n"
-         "overwritten.\n",
+         "The project is named after its file unless a name is given. A file name that does not "
+         "end\n"
+         "in .pwp gets it, and is then printed. A file that exists is not overwritten.\n",
          1,
          1,
          {{"--name", "NAME", "the project's name"}},

@@ -26,7 +26,7 @@ namespace {
 
 /** Opens the project and answers its item; fails when there is none. */
 ProjectItem OpenItem(Session& session, const Invocation& invocation, const std::string& key) {
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     const ProjectItem item = GetProjectItem(session.Context(), key);
     if (!item) FailUnknownKey(key);
     return item;
@@ -134,7 +134,7 @@ void RunAdd(const Invocation& invocation) {
     Session session(invocation.profile);
     for (const auto& folder : invocation.arguments.Values("--with-files-from"))
         request.withFilesFrom.push_back(ExistingFolder(session, folder));
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     const ProjectItem target = GetProjectItem(session.Context(), request.folderKey);
     if (!request.folderKey.empty() && !target.folder && !target.site)
         throw CommandFailure{"There is no folder '" + request.folderKey +
@@ -153,13 +153,13 @@ void RunAdd(const Invocation& invocation) {
 
 void RunList(const Invocation& invocation) {
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     Listing(session.Context(), invocation.arguments.Has("--json")).Print();
 }
 
 void RunLinks(const Invocation& invocation) {
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     const auto links = ListLinks(session.Context());
     std::optional<JsonArray> list;
     if (invocation.arguments.Has("--json")) list.emplace(std::cout);
@@ -212,7 +212,7 @@ void RunRename(const Invocation& invocation) {
 
 void RunRemove(const Invocation& invocation) {
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     // All or nothing: a key that is wrong must not leave half of the work done.
     for (const auto& key : invocation.Rest()) {
         const ProjectItem item = GetProjectItem(session.Context(), key);

@@ -7,7 +7,9 @@
 #include "cli/Output.h"
 #include "cli/Session.h"
 #include "frame/FunctionLibrary.h"
+#include "frame/SaveQuestion.h"
 #include "platform/Text.h"
+#include "project/Lifecycle.h"
 #include "project/MergeVariables.h"
 #include "project/PublishHTML.h"
 #include "project/Tasks.h"
@@ -233,19 +235,22 @@ std::string SettableNames() {
 }
 
 void RunNew(const Invocation& invocation) {
-    const std::string file = PathFromArgument(invocation.ProjectFile());
+    const std::string named = PathFromArgument(invocation.ProjectFile());
+    const std::string file = WithExtension(named, kProjectExtension);
     const std::string name = invocation.arguments.Value("--name", GetBaseName(file));
     const Assignment checked = ReadAssignment("Name=" + name);
     Session session(invocation.profile);
     session.NewProject(file, checked.text);
     session.Save();
+    // Where it is not called as the user has written it.
+    if (file != named) std::cout << ToNativePath(file) << "\n";
 }
 
 void RunInfo(const Invocation& invocation) {
     // The header alone, with nothing around it: no settings, no run folder, and no lock either,
     // since a header is read whole or not at all.
     const auto files = MakePosixFileSystem();
-    const std::string file = PathFromArgument(invocation.ProjectFile());
+    const std::string file = ProjectFromArgument(invocation.ProjectFile());
     Project project(*files);
     project.LoadMode = LoadMode::Header;
     if (project.Load(file) != ProjectResult::Success) throw CommandFailure{project.LastMessage()};
@@ -277,7 +282,7 @@ void RunSet(const Invocation& invocation) {
     for (const auto& word : invocation.Rest())
         assignments.push_back(ReadAssignment(word));
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     for (const auto& assignment : assignments)
         Assign(session.Project(), assignment);
     session.Project().IsDirty = true;
@@ -294,7 +299,7 @@ void RunVariable(const Invocation& invocation) {
     for (const auto& each : wanted)
         if (IsStandardVariable(each.name)) throw UsageError{WhereToSet(each.name)};
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     ProjectContext& context = session.Context();
     UpdateProjectMergeVariables(context);
     if (wanted.empty()) {
@@ -311,7 +316,7 @@ void RunVariable(const Invocation& invocation) {
 
 void RunTasks(const Invocation& invocation) {
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     if (!invocation.arguments.Has("--json")) {
         for (const Task& task : session.Project().Tasks())
             std::cout << OneField(task.Name) << "\t" << PriorityText(task.Priority) << "\t"
@@ -338,7 +343,7 @@ void RunPublish(const Invocation& invocation) {
         throw UsageError{"Where to? The option --html DIR tells."};
     const std::string folder = PathFromArgument(invocation.arguments.Value("--html"));
     Session session(invocation.profile);
-    session.Open(PathFromArgument(invocation.ProjectFile()));
+    session.Open(ProjectFromArgument(invocation.ProjectFile()));
     const PublishResult result = PublishAsHTML(session.Context(), folder);
     if (!result.published) throw CommandFailure{"The site was not published. " + result.reason};
     for (const std::string& warning : result.warnings)

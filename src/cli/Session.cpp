@@ -6,6 +6,7 @@
 #include "cli/Interrupt.h"
 #include "cli/Output.h"
 #include "frame/FunctionLibrary.h"
+#include "frame/SaveQuestion.h"
 #include "frame/Settings.h"
 #include "frame/Startup.h"
 #include "project/Lifecycle.h"
@@ -32,6 +33,13 @@ std::string PathFromArgument(const std::string& argument) {
     std::error_code error;
     const auto absolute = std::filesystem::absolute(argument, error);
     return NormalizePath(FromNativePath(error ? argument : absolute.string()));
+}
+
+std::string ProjectFromArgument(const std::string& argument) {
+    const std::string path = PathFromArgument(argument);
+    const auto files = MakePosixFileSystem();
+    const std::string whole = WithExtension(path, kProjectExtension);
+    return !FileExists(*files, path) && FileExists(*files, whole) ? whole : path;
 }
 
 Session::Session(const std::string& profile)

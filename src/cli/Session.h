@@ -22,6 +22,8 @@ struct CommandFailure {
 /** A native path, relative or not, as the program writes paths. Throws CommandFailure for a name
  *  that cannot be written so. */
 std::string PathFromArgument(const std::string& argument);
+/** As PathFromArgument, of a project that exists: its extension may be left out. */
+std::string ProjectFromArgument(const std::string& argument);
 
 class Session {
   public:

@@ -1,5 +1,8 @@
 #include "editing/frmPage.h"
 
+#include <algorithm>
+
+#include "editing/FileChanges.h"
 #include "editing/SourceValues.h"
 #include "editing/frmSource.h"
 #include "frame/Context.h"
@@ -17,13 +20,13 @@ namespace pw {
 
 namespace {
 
-constexpr const char* kModule = "Page.";
 constexpr const char* kDefaultFileName = "index.htm";
 constexpr const char* kMetaTitles[] = {"User Meta Tag", "HTTP-EQUIV Meta Tag"};
-constexpr const char* kMetaAttributes[] = {"name", "http-equiv"};
 constexpr SourceMode kSourceModes[] = {SourceMode::BackgroundImage, SourceMode::Sound};
 constexpr int kGeneralTab = 0;
 constexpr int kAppearanceTab = 1;
+constexpr int kMetaTagsTab = 2;
+constexpr int kAttachmentsTab = 3;
 constexpr int kMaximumDigits = 4;
 
 void FilenameKeysOnly(int& code) {
@@ -40,6 +43,18 @@ bool IsClassFile(std::string_view path) {
     return EqualsNoCase(GetExtension(path), "class");
 }
 
+std::string NotCopied(std::string_view path) {
+    return "The file '" + GetFileName(path) +
+           "' can not be copied into the project.\n\nPlease choose another one.";
+}
+
+/** For a name that was given on the way to one that could not be. */
+void RenameBack(ProjectContext& context, Page& page, const std::string& name) {
+    std::string reason;
+    if (!RenamePage(context, page, name, &reason))
+        context.frame.errorLog.LogError(reason, Failure(reason), "Page.", "RenameBack");
+}
+
 }  // namespace
 
 frmPage::frmPage(ProjectContext& context, Page& page, OpenPage& open)
@@ -47,7 +62,10 @@ frmPage::frmPage(ProjectContext& context, Page& page, OpenPage& open)
     ConnectHandlers();
     ShowGeneral();
     ShowAppearance();
+    metaTags_ = PageMetaTags(open.Document());
     ShowMetaTags();
+    for (const Attachment& attachment : page.Attachments())
+        files_.push_back({attachment.Key(), attachment.Filename(), attachment.Size});
     ShowAttachments();
     ShowSummary();
 }
@@ -157,14 +175,11 @@ void frmPage::ShowMetaTags() {
         if (list.Selected() >= 0) selected[i] = list.Row(list.Selected()).key;
         list.Clear();
     }
-    for (const dom::Node* tag : open_.Document().tags("meta")) {
-        const bool isHeader = tag->hasAttribute("http-equiv");
-        const std::string name = Trim(tag->getAttribute(kMetaAttributes[isHeader]));
-        // Which program made the page is not the user's to say, and tags of other kinds, such as
-        // the one for the encoding, have no name to show.
-        if (name.empty() || EqualsNoCase(name, "generator")) continue;
-        const std::string id = std::to_string(tag->id());
-        lvwMetaTags[isHeader].Add({id, {name, tag->getAttribute("content")}, 0, id});
+    for (int place = 0; place < metaTags_.Count(); ++place) {
+        const PageMetaTag& tag = metaTags_.At(place);
+        const std::string key = std::to_string(place);
+        if (!tag.removed)
+            lvwMetaTags[std::size_t(tag.kind)].Add({key, {tag.name, tag.content}, 0, key});
     }
     for (std::size_t i = 0; i < lvwMetaTags.size(); ++i)
         lvwMetaTags[i].SetSelected(lvwMetaTags[i].FindKey(selected[i]));
@@ -173,18 +188,16 @@ void frmPage::ShowMetaTags() {
 
 void frmPage::ShowAttachments() {
     lvwAttachments.Clear();
-    for (const Attachment& attachment : page_.Attachments()) {
-        const std::string& path = attachment.Filename();
-        lvwAttachments.Add({attachment.Key(),
-                            {GetFileName(path), FormatSize(attachment.Size), TypeOfFile(path)},
+    for (const ListedFile& file : files_)
+        lvwAttachments.Add({file.path,
+                            {GetFileName(file.path), FormatSize(file.size), TypeOfFile(file.path)},
                             0,
-                            attachment.Key()});
-    }
+                            file.path});
     EnableListButtons();
 }
 
 void frmPage::EnableListButtons() {
-    const bool tagSelected = SelectedMetaTag() != nullptr;
+    const bool tagSelected = SelectedMetaTag() >= 0;
     cmdMetaTags[1].SetEnabled(tagSelected);
     cmdMetaTags[2].SetEnabled(tagSelected);
     cmdAttachments[1].SetEnabled(lvwAttachments.Selected() >= 0);
@@ -239,92 +252,66 @@ void frmPage::optColor_Click(int index) {
 
 // --- Meta tags ----------------------------------------------------------------------------------
 
-dom::Node* frmPage::SelectedMetaTag() const {
+int frmPage::SelectedMetaTag() const {
     const ListView& list = lvwMetaTags[std::size_t(tabMetaTags.Selected())];
-    if (list.Selected() < 0) return nullptr;
-    return open_.Document().node(dom::NodeId(Val(list.Row(list.Selected()).tag)));
+    return list.Selected() < 0 ? -1 : int(Val(list.Row(list.Selected()).tag));
 }
 
 void frmPage::cmdMetaTags_Click(int index) {
-    dom::Node* tag = index == 0 ? nullptr : SelectedMetaTag();
-    if (index == 2) {
-        if (tag) RemoveMetaTag(*tag);
-    } else {
-        EditMetaTag(tag);
-    }
+    const int selected = SelectedMetaTag();
+    if (index == 0) EditMetaTag(-1);
+    if (index == 1 && selected >= 0) EditMetaTag(selected);
+    if (index == 2 && selected >= 0) RemoveMetaTag(selected);
 }
 
-void frmPage::EditMetaTag(dom::Node* tag) {
+void frmPage::EditMetaTag(int place) {
     const int kind = tabMetaTags.Selected();
     NameValueQuestion question;
     question.title = kMetaTitles[kind];
     question.valueLabel = "&Content";
-    if (tag)
-        question.initial = {tag->getAttribute(kMetaAttributes[kind]), tag->getAttribute("content")};
+    if (place >= 0) question.initial = {metaTags_.At(place).name, metaTags_.At(place).content};
     const auto entry = AskNameValue(context_.frame.dialogs, std::move(question));
     if (!entry) return;
-    Trap(context_.frame.errorLog, kModule, "WriteMetaTag", [&] { WriteMetaTag(tag, *entry); });
+    if (place < 0) place = metaTags_.Add(MetaKind(kind), "", "");
+    metaTags_.At(place).name = entry->name;
+    metaTags_.At(place).content = entry->value;
     ShowMetaTags();
 }
 
-void frmPage::WriteMetaTag(dom::Node* tag, const NameValue& entry) {
-    dom::Document& document = open_.Document();
-    const dom::Document::Step step(document);
-    dom::Node* edited = tag ? tag : document.createElement("meta");
-    const auto set = [&](const char* attribute, const std::string& value) {
-        if (edited->getAttribute(attribute) != value || !edited->hasAttribute(attribute))
-            document.setAttribute(*edited, attribute, value);
-    };
-    set(kMetaAttributes[tabMetaTags.Selected()], entry.name);
-    set("content", entry.value);
-    if (!tag) {
-        const auto others = document.tags("meta");
-        dom::Node* parent = others.empty() ? document.head() : others.front()->parent();
-        if (!parent) throw Failure("The page has no head for a meta tag.");
-        document.insertNode(*parent, *edited, nullptr);
-    }
-    MarkChanged();
-}
-
-void frmPage::RemoveMetaTag(dom::Node& tag) {
+void frmPage::RemoveMetaTag(int place) {
     const Message question{"Are you sure you want to remove this meta tag?", "Remove Meta Tag",
                            Icon::Question, Buttons::YesNo, Answer::No};
     if (context_.frame.dialogs.MsgBox(question) != Answer::Yes) return;
-    Trap(context_.frame.errorLog, kModule, "RemoveMetaTag", [&] {
-        open_.Document().removeNode(tag);
-        MarkChanged();
-    });
+    metaTags_.At(place).removed = true;
     ShowMetaTags();
 }
 
 // --- Attachments --------------------------------------------------------------------------------
 
 void frmPage::cmdAttachments_Click(int index) {
-    Trap(context_.frame.errorLog, kModule, "cmdAttachments_Click", [&] {
-        if (index == 0) {
-            AddAttachment();
-        } else {
-            RemoveAttachment();
-        }
-    });
+    if (index == 0) {
+        AddAttachment();
+    } else {
+        RemoveAttachment();
+    }
     ShowAttachments();
 }
 
 void frmPage::AddAttachment() {
     const char* title = "Add Attachment";
-    const std::string file =
+    const std::string path =
         context_.frame.dialogs.OpenFile({title, "All Files (*.*)|*.*", "", ""});
-    if (file.empty()) return;
+    if (path.empty()) return;
     std::string problem;
-    if (IsClassFile(file)) {
+    const FileInfo info = context_.frame.files.Stat(path);
+    if (IsClassFile(path)) {
         problem =
             "A Java class can not be attached to a page by itself: it belongs to an applet."
             "\n\nPlease choose it in the properties of the applet.";
-    } else if (AddSystemAttachment(context_, file, page_)) {
-        MarkChanged();
-    } else {
-        problem = "The file '" + GetFileName(file) +
-                  "' can not be copied into the project.\n\nPlease choose another one.";
+    } else if (!FileExists(context_.frame.files, path)) {
+        problem = NotCopied(path);
+    } else if (lvwAttachments.FindKey(path) < 0) {
+        files_.push_back({"", path, std::int64_t(info.size)});
     }
     if (!problem.empty()) context_.frame.dialogs.MsgBox({problem, title, Icon::Exclamation});
 }
@@ -334,28 +321,35 @@ void frmPage::RemoveAttachment() {
     const Message question{"Are you sure you want to remove this attachment?", "Remove Attachment",
                            Icon::Question, Buttons::YesNo, Answer::No};
     if (context_.frame.dialogs.MsgBox(question) != Answer::Yes) return;
-    if (page_.Attachments().Remove(lvwAttachments.Row(lvwAttachments.Selected()).tag))
-        MarkChanged();
+    const auto removed = files_.begin() + lvwAttachments.Selected();
+    if (!removed->key.empty()) removedFiles_.push_back(removed->key);
+    files_.erase(removed);
 }
 
 // --- OK -----------------------------------------------------------------------------------------
 
 void frmPage::cmdOK_Click() {
-    Trap(context_.frame.errorLog, kModule, "cmdOK_Click", [this] {
-        if (!SourcesStand() || !TakeFileName()) return;
-        const auto looks = WantedAppearance();
-        if (!looks) return;
-        const std::uint64_t before = open_.Document().revision();
-        WriteDocument(*looks);
-        WriteRecord();
-        if (open_.Document().revision() != before) {
-            MarkChanged();
-            open_.UpdateHTML();
-            context_.workspace.UpdatePageExplorer(page_.Key());
-        }
-        ShowElsewhere();
-        Close();
-    });
+    // 1. All that can be refused by looking.
+    if (!SourcesStand() || !FileNameStands() || !TagsStand()) return;
+    // 2. Files. The name comes last: links all over the project follow it.
+    MediaBefore media(context_, page_);
+    FileChanges changes;
+    changes.OnFailure([&media] { media.Restore(); });
+    const auto looks = WantedAppearance();
+    if (!looks || !TakeAttachments() || !TakeFileName(changes)) return;
+    // 3. The page, in one step, and its record.
+    const std::uint64_t before = open_.Document().revision();
+    WriteDocument(*looks);
+    changes.Keep();
+    WriteAttachments();
+    WriteRecord();
+    if (open_.Document().revision() != before) {
+        MarkChanged();
+        open_.UpdateHTML();
+        context_.workspace.UpdatePageExplorer(page_.Key());
+    }
+    ShowElsewhere();
+    Close();
 }
 
 bool frmPage::SourcesStand() {
@@ -379,33 +373,91 @@ std::string frmPage::WantedFileName() const {
     return name + "." + (extension.empty() ? "htm" : extension);
 }
 
-bool frmPage::TakeFileName() {
-    const std::string name = WantedFileName();
-    if (name.empty() || name == GetFileName(page_.Filename)) return true;
-    std::string problem = PageNameProblem(name);
-    Page* holder = nullptr;
-    if (problem.empty() && IsPageNameTaken(context_, page_, name)) {
-        if (chkDefaultPage.Checked()) holder = FindNeighbour(context_, page_, name);
-        if (!holder)
-            problem = "A page already exists with the filename " + name +
+bool frmPage::FileNameStands() {
+    newName_ = WantedFileName();
+    holder_ = nullptr;
+    if (newName_ == GetFileName(page_.Filename)) newName_.clear();
+    if (newName_.empty()) return true;
+    std::string problem = PageNameProblem(newName_);
+    if (problem.empty() && IsPageNameTaken(context_, page_, newName_)) {
+        if (chkDefaultPage.Checked()) holder_ = FindNeighbour(context_, page_, newName_);
+        if (!holder_)
+            problem = "A page already exists with the filename " + newName_ +
                       ".\n\nPlease select another name and try again.";
     }
-    const bool renamed = problem.empty() &&
-                         (!holder || MovePageAside(context_, *holder, &problem)) &&
-                         RenamePage(context_, page_, name, &problem);
+    if (problem.empty()) return true;
+    Refuse(problem, kGeneralTab, txtFileName);
+    return false;
+}
+
+bool frmPage::TagsStand() {
+    if (metaTags_.CanWrite(open_.Document())) return true;
+    Refuse(
+        "The page has no head for a meta tag.\n\nPlease remove the new tags, or give the page a "
+        "head in the HTML view first.",
+        kMetaTagsTab, lvwMetaTags[0]);
+    return false;
+}
+
+bool frmPage::TakeFileName(FileChanges& changes) {
+    if (newName_.empty()) return true;
+    const std::string former = GetFileName(page_.Filename);
+    std::string problem;
+    const bool renamed = (!holder_ || MoveAside(*holder_, changes, problem)) &&
+                         RenamePage(context_, page_, newName_, &problem);
     if (!renamed) {
         if (problem.empty()) problem = "The file can not be renamed. The error log tells why.";
         Refuse(problem, kGeneralTab, txtFileName);
         return false;
     }
+    changes.OnFailure([this, former] { RenameBack(context_, page_, former); });
     // Links that could not follow.
     if (!problem.empty()) context_.frame.dialogs.MsgBox({problem, Title(), Icon::Exclamation});
+    return true;
+}
+
+bool frmPage::MoveAside(Page& holder, FileChanges& changes, std::string& problem) {
+    const std::string file = GetFileName(holder.Filename);
+    const std::string title = holder.Name;
+    if (!MovePageAside(context_, holder, &problem)) return false;
+    changes.OnFailure([this, &holder, file, title] {
+        RenameBack(context_, holder, file);
+        SetPageTitle(context_, holder, title);
+    });
+    return true;
+}
+
+std::string frmPage::WantedTitle() const {
     // A title that the user has just thought of is better than ours.
-    if (holder && txtTitle.Text() == title_) {
-        const Folder* folder = GetFolder(context_, page_.Key());
-        txtTitle.SetText((folder ? folder->Name + " " : "") + "Home Page");
+    if (!holder_ || txtTitle.Text() != title_) return Trim(txtTitle.Text());
+    const Folder* folder = GetFolder(context_, page_.Key());
+    return (folder ? folder->Name + " " : "") + "Home Page";
+}
+
+bool frmPage::TakeAttachments() {
+    for (const ListedFile& file : files_) {
+        if (!file.key.empty()) continue;
+        if (!AddSystemAttachment(context_, file.path, page_)) {
+            Refuse(NotCopied(file.path), kAttachmentsTab, lvwAttachments);
+            return false;
+        }
     }
     return true;
+}
+
+void frmPage::WriteAttachments() {
+    const auto isListed = [this](const std::string& path) {
+        return std::any_of(files_.begin(), files_.end(),
+                           [&](const ListedFile& file) { return file.path == path; });
+    };
+    for (const std::string& key : removedFiles_) {
+        const Attachment* attachment = page_.Attachments().Item(key);
+        if (attachment && !isListed(attachment->Filename()))
+            static_cast<void>(page_.Attachments().Remove(key));
+    }
+    const bool isAnyNew = std::any_of(files_.begin(), files_.end(),
+                                      [](const ListedFile& file) { return file.key.empty(); });
+    if (isAnyNew || !removedFiles_.empty()) MarkChanged();
 }
 
 bool frmPage::TakeWanted(int index, std::string& reference) {
@@ -443,18 +495,17 @@ std::optional<PageAppearance> frmPage::WantedAppearance() {
 void frmPage::WriteDocument(const PageAppearance& looks) {
     dom::Document& document = open_.Document();
     const dom::Document::Step step(document);
-    const std::string title = Trim(txtTitle.Text());
+    const std::string title = WantedTitle();
     if (title != Trim(title_)) document.setTitle(title);
     WriteAppearance(document, looks);
+    metaTags_.Write(document);
 }
 
 void frmPage::ClearDefaultPage() {
-    Trap(context_.frame.errorLog, kModule, "ClearDefaultPage", [this] {
-        const Container container = GetContainer(context_, page_.Key());
-        if (!container) return;
-        for (Page& sibling : container.PageList())
-            sibling.IsDefault = false;
-    });
+    const Container container = GetContainer(context_, page_.Key());
+    if (!container) return;
+    for (Page& sibling : container.PageList())
+        sibling.IsDefault = false;
 }
 
 void frmPage::WriteRecord() {
@@ -463,7 +514,7 @@ void frmPage::WriteRecord() {
         field = value;
         context_.project.IsDirty = true;
     };
-    const std::string title = Trim(txtTitle.Text());
+    const std::string title = WantedTitle();
     if (title != Trim(title_)) {
         write(page_.Name, title);
         write(page_.Title, title);
@@ -486,11 +537,15 @@ void frmPage::MarkChanged() {
     context_.project.IsDirty = true;
 }
 
-void frmPage::Refuse(const std::string& message, int tab, TextBox& control) {
+void frmPage::Refuse(const std::string& message, int tab, Control& control) {
     context_.frame.dialogs.MsgBox({message, Title(), Icon::Exclamation});
     tabPage.SetSelected(tab);
-    control.SelectAll();
     control.SetFocus();
+}
+
+void frmPage::Refuse(const std::string& message, int tab, TextBox& control) {
+    Refuse(message, tab, static_cast<Control&>(control));
+    control.SelectAll();
 }
 
 // --- Showing it ---------------------------------------------------------------------------------

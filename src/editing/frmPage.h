@@ -1,15 +1,20 @@
 #pragma once
 // The properties of one open page.
 //   Edits    its title, file name, description and keywords, whether it is the default page of its
-//            folder, its looks and its sound; and at once, without OK: meta tags and attachments.
+//            folder, its looks and its sound, its meta tags and attachments.
 //   Refuses  a file name that no file can have or that another page has (unless it is to be the
 //            default page: that other one is then moved aside), and files that do not exist.
 //   Writes   on OK what was changed: to the page's record, in one undo step to its document, and by
-//            way of the file's new name to all pages with links to it.
+//            way of the file's new name to all pages with links to it. All or nothing: what can be
+//            refused is, before anything is written, and files that were copied or renamed are put
+//            back when a later one can not be.
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "editing/PageAppearance.h"
+#include "editing/PageMetaTags.h"
 #include "platform/controls/Dialog.h"
 #include "project/ProjectContext.h"
 
@@ -17,7 +22,7 @@ namespace pw {
 
 class OpenPage;
 class Page;
-struct NameValue;
+class FileChanges;
 
 class frmPage : public Dialog {
   public:
@@ -72,31 +77,41 @@ class frmPage : public Dialog {
     void cmdBrowse_Click(int index);
     void optColor_Click(int index);
     void cmdMetaTags_Click(int index);
-    void EditMetaTag(dom::Node* tag);
-    void WriteMetaTag(dom::Node* tag, const NameValue& entry);
-    void RemoveMetaTag(dom::Node& tag);
+    /** -1: a new one. */
+    void EditMetaTag(int place);
+    void RemoveMetaTag(int place);
     void cmdAttachments_Click(int index);
     void AddAttachment();
     void RemoveAttachment();
     void cmdOK_Click();
 
-    /** The steps of OK, in order; one that answers false or none has told why and keeps the dialog
-     * open. */
+    // The steps of OK, in order. One that answers false or none has told why, and the dialog stays.
+    // Checks:
     bool SourcesStand();
-    bool TakeFileName();
+    bool FileNameStands();
+    bool TagsStand();
+    // Files, which `changes` puts back unless all goes well:
     std::optional<PageAppearance> WantedAppearance();
+    bool TakeAttachments();
+    bool TakeFileName(FileChanges& changes);
+    // The page:
     void WriteDocument(const PageAppearance& looks);
+    void WriteAttachments();
     void WriteRecord();
     void ShowElsewhere();
 
     void ClearDefaultPage();
     std::string WantedFileName() const;
+    std::string WantedTitle() const;
+    /** Makes way for the page's new name. */
+    bool MoveAside(Page& holder, FileChanges& changes, std::string& problem);
     /** Sets what the page is to write for a source field; false when the file can't be copied. */
     bool TakeWanted(int index, std::string& reference);
     void MarkChanged();
-    dom::Node* SelectedMetaTag() const;
+    int SelectedMetaTag() const;  ///< -1: none
     /** Tells and leads to the control of a tab. */
     void Refuse(const std::string& message, int tab, TextBox& control);
+    void Refuse(const std::string& message, int tab, Control& control);
 
     ProjectContext& context_;
     Page& page_;
@@ -104,6 +119,18 @@ class frmPage : public Dialog {
     std::string title_;           ///< as shown at first
     PageAppearance appearance_;   ///< as shown at first
     std::string shownSource_[2];  ///< texts of the source fields as shown at first
+    PageMetaTags metaTags_;       ///< as they are to be
+    std::string newName_;         ///< of the page's file, "" for the one that it has
+    Page* holder_ = nullptr;      ///< has that name and moves aside
+
+    /** A line of the list of attachments. */
+    struct ListedFile {
+        std::string key;  ///< of the page's own, "" for one that is to be added
+        std::string path;
+        std::int64_t size = 0;
+    };
+    std::vector<ListedFile> files_;          ///< as they are to be
+    std::vector<std::string> removedFiles_;  ///< keys
 };
 
 /** Opens the page of that key if need be, writes what is unsaved to its file, and shows the dialog.

@@ -41,7 +41,13 @@ struct FrameContext {
           launcher(world.launcher),
           places(std::move(where)),
           brand(world.files, kApplicationTitle),
-          errorLog(*this) {}
+          errorLog(*this),
+          faults(*this) {
+        dialogs.SetFaults(&faults);
+    }
+    ~FrameContext() {
+        if (dialogs.Faults() == &faults) dialogs.SetFaults(nullptr);
+    }
     FrameContext(const FrameContext&) = delete;
     FrameContext& operator=(const FrameContext&) = delete;
 
@@ -64,6 +70,7 @@ struct FrameContext {
     Settings settings;
     CBrand brand;
     ErrorLog errorLog;
+    FaultReport faults;
 };
 
 }  // namespace pw

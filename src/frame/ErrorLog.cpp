@@ -1,6 +1,7 @@
 #include "frame/ErrorLog.h"
 
 #include <new>
+#include <utility>
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
@@ -44,12 +45,16 @@ void ErrorLog::LogError(std::string_view customText, const Failure& failure,
     try {
         ++count_;
         lastTag_ = std::string(moduleDot) + std::string(procedure);
-        const std::string& folder = context_.settings.ProjectsFolder;
-        if (folder.empty() || !FolderExists(context_.files, folder)) return;
-        WriteTextFile(context_.files, Record(customText, failure), BuildPath(folder, "error.log"),
-                      WriteMode::Append);
+        WriteTextFile(context_.files, Record(customText, failure), Path(), WriteMode::Append);
     } catch (...) {
     }
+}
+
+std::string ErrorLog::Path() const {
+    // COMPAT: the log of the projects folder is the one that is sent along with a publication.
+    const std::string& projects = context_.settings.ProjectsFolder;
+    const bool stands = !projects.empty() && FolderExists(context_.files, projects);
+    return BuildPath(stands ? projects : context_.places.dataFolder, "error.log");
 }
 
 std::string ErrorLog::Record(std::string_view customText, const Failure& failure) const {
@@ -81,6 +86,34 @@ std::string ErrorLog::Record(std::string_view customText, const Failure& failure
     for (const EnvironmentFact& fact : context_.system.EnvironmentFacts())
         line(fact.name + "=", fact.value);
     return record;
+}
+
+// --- Handlers -----------------------------------------------------------------------------------
+
+void FaultReport::Log(const std::string& moduleDot, const std::string& procedure) {
+    context_.errorLog.LogError("", CurrentFailure(), moduleDot, procedure);
+}
+
+void FaultReport::HandlerFailed(const std::string& moduleDot, const std::string& procedure) {
+    const Failure failure = CurrentFailure();
+    context_.errorLog.LogError("", failure, moduleDot, procedure);
+    if (std::exchange(telling_, true)) return;
+    // Whoever could not even tell it has at least logged it.
+    try {
+        Tell(failure);
+    } catch (...) {
+    }
+    telling_ = false;
+}
+
+void FaultReport::Tell(const Failure& failure) {
+    std::string reason = failure.what();
+    if (!reason.empty() && reason.back() != '.') reason += '.';
+    context_.dialogs.MsgBox(
+        {"This could not be done: something went wrong that was not foreseen.\n\n" + reason +
+             "\n\nPlease try again. The error log '" + ToNativePath(context_.errorLog.Path()) +
+             "' tells more.",
+         context_.brand.FormCaption(), Icon::Stop, Buttons::Ok});
 }
 
 }  // namespace pw

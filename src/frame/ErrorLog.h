@@ -9,6 +9,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "platform/HandlerLevel.h"
+
 namespace pw {
 
 struct FrameContext;
@@ -32,7 +34,8 @@ class Failure : public std::runtime_error {
 /** Number and description of whatever is being handled; call inside a catch block only. */
 Failure CurrentFailure();
 
-/** Appends records to error.log in the projects folder. Never throws, never shows anything. */
+/** Appends records to error.log in the projects folder or, while that does not exist, in the folder
+ *  of the user's data. Never throws, never shows anything. */
 class ErrorLog {
   public:
     explicit ErrorLog(FrameContext& context) : context_(context) {}
@@ -41,6 +44,9 @@ class ErrorLog {
                   std::string_view procedure);
     void LogError(std::string_view customText, int errorNumber, std::string_view moduleDot,
                   std::string_view procedure);
+
+    /** Where the next record goes. */
+    std::string Path() const;
 
     /** The open project's author for the record; empty while there is no project object. */
     std::function<std::optional<std::string>()> projectAuthor;
@@ -57,15 +63,33 @@ class ErrorLog {
     std::string lastTag_;
 };
 
+/** Where the failures of handlers go: into the error log, and in a sentence to the user. */
+class FaultReport : public FaultSink {
+  public:
+    explicit FaultReport(FrameContext& context) : context_(context) {}
+
+    void HandlerFailed(const std::string& moduleDot, const std::string& procedure) override;
+    /** As HandlerFailed, but silent: for what fails again and again. */
+    void Log(const std::string& moduleDot, const std::string& procedure);
+
+  private:
+    void Tell(const Failure& failure);
+
+    FrameContext& context_;
+    bool telling_ = false;  ///< what fails behind the message is only logged
+};
+
 /**
  * Runs `body` and returns its result. Whatever it throws is logged under "Module.Procedure", and
- * `failure` is returned in its place.
+ * `failure` is returned in its place; in an open editing step it goes on, and the step is taken
+ * back.
  */
 template <typename R, typename F>
 R Trap(ErrorLog& log, std::string_view moduleDot, std::string_view procedure, R failure, F&& body) {
     try {
         return std::forward<F>(body)();
     } catch (...) {
+        if (StepScope::IsAnyOpen()) throw;
         log.LogError("", CurrentFailure(), moduleDot, procedure);
     }
     return failure;
@@ -78,7 +102,35 @@ void Trap(ErrorLog& log, std::string_view moduleDot, std::string_view procedure,
     try {
         std::forward<F>(body)();
     } catch (...) {
+        if (StepScope::IsAnyOpen()) throw;
         log.LogError("", CurrentFailure(), moduleDot, procedure);
+    }
+}
+
+/** As Trap, and tells the user: for what he has asked for by other ways than the events of
+ *  controls, and for whoever has work to do behind a failure. */
+template <typename R, typename F>
+R TrapAndTell(FaultReport& faults, const std::string& moduleDot, const std::string& procedure,
+              R failure, F&& body) {
+    try {
+        return std::forward<F>(body)();
+    } catch (...) {
+        if (StepScope::IsAnyOpen()) throw;
+        faults.HandlerFailed(moduleDot, procedure);
+    }
+    return failure;
+}
+
+/** For routines without a result. */
+template <typename F>
+void TrapAndTell(FaultReport& faults, const std::string& moduleDot, const std::string& procedure,
+                 F&& body) {
+    static_assert(std::is_void_v<std::invoke_result_t<F>>, "name the failure value of a result");
+    try {
+        std::forward<F>(body)();
+    } catch (...) {
+        if (StepScope::IsAnyOpen()) throw;
+        faults.HandlerFailed(moduleDot, procedure);
     }
 }
 

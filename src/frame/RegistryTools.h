@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/SettingsHive.h"
 
@@ -13,12 +14,18 @@ namespace pw {
 class HiveBatch {
   public:
     explicit HiveBatch(SettingsHive& hive) : hive_(hive) { hive_.Begin(); }
-    ~HiveBatch() { hive_.Commit(); }
+    ~HiveBatch() {
+        if (isOpen_) hive_.Commit();
+    }
     HiveBatch(const HiveBatch&) = delete;
     HiveBatch& operator=(const HiveBatch&) = delete;
 
+    /** Ends it; false when nothing of it could be kept. */
+    [[nodiscard]] bool Commit() { return !std::exchange(isOpen_, false) || hive_.Commit(); }
+
   private:
     SettingsHive& hive_;
+    bool isOpen_ = true;
 };
 
 enum class RegType { String = 1, Number = 4 };

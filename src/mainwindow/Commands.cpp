@@ -76,7 +76,7 @@ void RunCommand(MainContext& context, int tool) {
         document->WaitUntilReady();
         document->Document().sealStep();
     }
-    Trap(context.frame.errorLog, "MDIMain.", range->name, [&] { range->run(context, tool); });
+    TrapAndTell(context.frame.faults, "MDIMain.", range->name, [&] { range->run(context, tool); });
     if (frmDocument* document = context.CurrentDocument()) {
         document->WaitUntilReady();
         document->Document().sealStep();

@@ -71,23 +71,23 @@ bool MayReplaceCutPage(MainContext& context) {
 void EditInProjectExplorer(MainContext& context, int tool) {
     if (!IsEditPossible(context, tool, Pane::ProjectExplorer)) return;
     const std::string key = context.window.SelectedProjectNode();
+    std::string reason;
     switch (tool) {
         case kCut: {
             if (!MayReplaceCutPage(context)) break;
-            std::string reason;
             if (CutPage(context.project, key, &reason)) {
                 AfterRemoval(context);
-            } else {
+            } else if (!reason.empty()) {
                 Refuse(context, "The page can not be cut.", reason);
             }
             break;
         }
         case kCopy:
             if (!MayReplaceCutPage(context)) break;
-            static_cast<void>(CopyPage(context.project, key));
+            if (!CopyPage(context.project, key, &reason) && !reason.empty())
+                Refuse(context, "The page can not be copied.", reason);
             break;
         case kPaste: {
-            std::string reason;
             if (const Page* page = PastePage(context.project, key, &reason)) {
                 context.model.IsDirty = true;
                 RefillProjectExplorer(context);

@@ -129,7 +129,7 @@ void MenuFile(MainContext& context, int tool) {
             InsertFolder(context.project);
             break;
         case 5:
-            ShowNewTaskDialog(context.project);
+            SelectTask(context, ShowNewTaskDialog(context.project));
             break;
         case 6:
             OpenProjectCommand(context);

@@ -19,7 +19,12 @@ namespace pw {
 namespace {
 
 void PreviewInBrowser(MainContext& context, const std::string& browser) {
-    if (!UpdateOpenPageProperties(context.project)) return;
+    std::string unwritten;
+    if (!UpdateOpenPageProperties(context.project, &unwritten)) {
+        context.frame.dialogs.MsgBox(
+            {unwritten, context.frame.brand.FormCaption(), Icon::Exclamation, Buttons::Ok});
+        return;
+    }
     const Page* page = GetPage(context.project, context.CurrentPageKey);
     if (!page || browser.empty()) return;
     if (!context.frame.launcher.Start(browser, page->Filename)) {

@@ -136,9 +136,9 @@ void tvwPageExplorer_NodeClick(MainContext& context, const TreeNode& node) {
 void lvwTasks_ItemCheck(MainContext& context, int row) {
     const ListRow ticked = context.window.lvwTasks.Row(row);
     if (ticked.checked) {
-        static_cast<void>(MarkTaskComplete(context.project, ticked.tag));
+        MarkTaskComplete(context.project, ticked.tag);
     } else {
-        static_cast<void>(SetTaskStatus(context.project, ticked.tag, TaskStatus::NotStarted));
+        UnmarkTaskComplete(context.project, ticked.tag);
     }
     ResetUI(context);
 }
@@ -227,6 +227,11 @@ void RefreshTasks(MainContext& context) {
     if (!selected.empty()) list.SetSelected(list.FindKey(selected));
 }
 
+void SelectTask(MainContext& context, const std::string& key) {
+    ListView& list = context.window.lvwTasks;
+    if (const int row = list.FindKey(key); row >= 0) list.SetSelected(row);
+}
+
 void ShowSelectedTask(MainContext& context) {
     const ListView& list = context.window.lvwTasks;
     if (list.Selected() < 0) return;
@@ -269,7 +274,7 @@ void ShowPropertiesDialog(MainContext& context) {
 }
 
 void ShowProjectObjectDialog(MainContext& context) {
-    Trap(context.frame.errorLog, kModule, "ShowProjectObjectDialog", [&] {
+    TrapAndTell(context.frame.faults, kModule, "ShowProjectObjectDialog", [&] {
         const std::string key = context.window.tvwProjectExplorer.SelectedKey();
         switch (SelectedNodeLetter(context)) {
             case 'F':

@@ -24,6 +24,8 @@ void SelectNodeOfElement(MainContext& context);
 void SelectPageNode(MainContext& context, const std::string& nodeKey);
 
 void RefreshTasks(MainContext& context);
+/** Nothing happens where the list has no such task. */
+void SelectTask(MainContext& context, const std::string& key);
 /** The dialog of the task selected in the list. */
 void ShowSelectedTask(MainContext& context);
 

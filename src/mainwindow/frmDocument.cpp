@@ -182,13 +182,15 @@ bool frmDocument::Form_Unload(Closing closing) {
         context_.window.CloseLater(key_);
         return false;
     }
-    return Trap(context_.frame.errorLog, kModule, "Form_Unload", false, [&] {
+    return TrapAndTell(context_.frame.faults, kModule, "Form_Unload", false, [&] {
         if (context_.model.Busy()) return false;
         const BusyPointer pointer(context_.window);
         Page* page = FindPage();
         if (closing == Closing::Write) {
-            TakeOverEdits();
-            if (sourceTyped_) return false;
+            if (!TakeOverEdits()) {
+                TellSourceProblem();
+                return false;
+            }
             if (page && !WritePage(*page)) return false;
         }
         if (page) page->IsOpen = false;
@@ -200,9 +202,11 @@ bool frmDocument::Form_Unload(Closing closing) {
 }
 
 bool frmDocument::WritePage(Page& page) {
+    const bool isEdited = IsDirty();
+    if (isEdited) UpdateHTML();
     ComputePageStatistics(context_.project, &Document(), &page);
     SaveAttachments(context_.project, Document(), BaseURL(), page);
-    if (IsDirty()) {
+    if (isEdited) {
         // Closing is not saving: the project file learns of it with the next save.
         context_.model.IsDirty = true;
         page.IsDirty = true;
@@ -224,6 +228,8 @@ std::string frmDocument::UpdateHTML() {
 
 bool frmDocument::SetHTML(const std::string& html) {
     WaitUntilReady();
+    // It knows nothing of what was typed meanwhile, and would take its place.
+    if (sourceTyped_) return false;
     const std::string base = docDHTMLEditor.BaseURL();
     if (!docDHTMLEditor.SetDocumentHTML(html)) return false;
     docDHTMLEditor.SetBaseURL(base);
@@ -234,7 +240,7 @@ bool frmDocument::SetHTML(const std::string& html) {
 
 void frmDocument::ShowChanges() {
     MarkChanges();
-    if (state_ == View::Html) ToHtml();
+    if (state_ == View::Html && !sourceTyped_) ToHtml();
     if (state_ == View::Preview) ToPreview();
 }
 
@@ -249,44 +255,88 @@ void frmDocument::MarkClean() {
 bool frmDocument::TakeOverEdits() {
     WaitUntilReady();
     if (state_ != View::Html || !sourceTyped_) return true;
-    if (TakeOverSource() == Outcome::Refused) return false;
-    AdoptTitle();
+    if (!TakeOverSource()) return false;
     sourceTyped_ = false;
     return true;
 }
 
-frmDocument::Outcome frmDocument::TakeOverSource() {
-    std::string text = source_.TakeBack(surface_->Source().Text());
-    if (IsFramePage()) text = CommentFrameset(text);
+namespace {
+
+/** As the page that the text would be; text that can't be one is of no kind. */
+bool HoldsFrames(const std::string& html) {
+    if (FindNoCase(html, "<frameset") == std::string::npos) return false;
+    const auto page = dom::Document::parseText(html);
+    return page && !page->frames().empty();
+}
+
+}  // namespace
+
+bool frmDocument::TakeOverSource() {
+    const std::string shown = surface_->Source().Text();
+    // Who asks again and again, such as the journal, costs nothing while nobody corrects it.
+    if (!sourceProblem_.empty() && shown == refusedSource_) return false;
+    std::string text = source_.TakeBack(shown);
+    const bool isFrames = HoldsFrames(text);
+    if (isFrames) text = CommentFrameset(text);
     const std::string base = docDHTMLEditor.BaseURL();
     if (!docDHTMLEditor.SetDocumentHTML(text)) {
-        context_.frame.dialogs.MsgBox(
-            {"The changed HTML can not be used for this page. " + docDHTMLEditor.LastError() +
-                 "\n\nPlease correct it and try again.",
-             context_.frame.brand.FormCaption(), Icon::Exclamation, Buttons::Ok});
-        return Outcome::Refused;
+        const Page* page = FindPage();
+        sourceProblem_ = "The changed HTML of page " + QuoteSingle(page ? page->Name : caption_) +
+                         " can not be used. " + docDHTMLEditor.LastError() +
+                         "\n\nPlease correct it in the HTML view and try again.";
+        refusedSource_ = shown;
+        return false;
     }
+    sourceProblem_.clear();
+    refusedSource_.clear();
     docDHTMLEditor.SetBaseURL(base);
     WaitUntilReady();
-    return Outcome::Done;
+    AdoptTitle();
+    const int pageType = isFrames ? PageType::Frames : PageType::Ordinary;
+    if (isFrames != IsFramePage()) {
+        pageTypeVaries_ = true;
+        AdoptPageType(pageType);
+    }
+    return true;
+}
+
+void frmDocument::TellSourceProblem() {
+    context_.frame.dialogs.MsgBox(
+        {sourceProblem_, context_.frame.brand.FormCaption(), Icon::Exclamation, Buttons::Ok});
+}
+
+void frmDocument::AdoptPageType(int pageType) {
+    Page* page = FindPage();
+    if (!page || page->PageType == pageType) return;
+    page->PageType = pageType;
+    page->IsDirty = true;
+    context_.model.IsDirty = true;
+    context_.window.RefillProjectExplorer();
+}
+
+void frmDocument::FollowPageType() {
+    if (!pageTypeVaries_) return;
+    const std::string html = Document().html();
+    const bool isMasked = UncommentFrameset(html) != html;
+    AdoptPageType(isMasked ? PageType::Frames : PageType::Ordinary);
 }
 
 void frmDocument::AdoptTitle() {
     Page* page = FindPage();
     const std::string title = Document().title();
-    if (!page || title.empty() || page->Name == title) return;
-    page->Name = title;
+    lastTitle_ = title;
+    if (!page) return;
     page->Title = title;
+    // A page without a title keeps the name by which the user knows it.
+    if (title.empty() || page->Name == title) return;
+    page->Name = title;
     TreeView& tree = context_.window.tvwProjectExplorer;
     if (TreeNode* node = tree.Find(key_)) tree.SetNodeText(*node, title);
     RefreshCaption();
 }
 
 void frmDocument::FollowTitle() {
-    std::string title = Document().title();
-    if (title == lastTitle_) return;
-    lastTitle_ = std::move(title);
-    AdoptTitle();
+    if (Document().title() != lastTitle_) AdoptTitle();
 }
 
 void frmDocument::RefreshCaption() {
@@ -303,8 +353,8 @@ bool frmDocument::Capture(const std::string& path) {
     return seen && seen->Capture(path);
 }
 
-void frmDocument::CloseWindow() {
-    static_cast<void>(Form_Unload(Closing::Write));
+bool frmDocument::CloseWindow() {
+    return Form_Unload(Closing::Write);
 }
 
 // --- Views --------------------------------------------------------------------------------------
@@ -323,7 +373,7 @@ void frmDocument::SetToNormalEditMode() {
 }
 
 void frmDocument::picViewTab_MouseUp(int x) {
-    Trap(context_.frame.errorLog, kModule, "picViewTab_MouseUp", [&] {
+    TrapAndTell(context_.frame.faults, kModule, "picViewTab_MouseUp", [&] {
         PressTab(TabAt(x, TabCount()));
         constexpr int kEndOfFirstTab = 809;
         if (x >= kEndOfFirstTab) context_.window.tvwPageExplorer.SetSelected("");
@@ -337,8 +387,7 @@ void frmDocument::PressTab(TabPress press) {
     // 1. What was typed as source is taken over whichever tab it was, the HTML tab among them.
     const bool sourceWasTyped = state_ == View::Html && sourceTyped_;
     if (sourceWasTyped) {
-        if (TakeOverSource() == Outcome::Refused) return;
-        AdoptTitle();
+        if (!TakeOverSource()) return TellSourceProblem();
     }
     // 2. A press beside the tabs, and one on the tab that is down, leave the view.
     if (press == TabPress::Nothing || ViewOf(press) == state_) return;
@@ -505,6 +554,7 @@ void frmDocument::docDHTMLEditor_DisplayChanged() {
         WaitUntilReady();
         MarkChanges();
         FollowTitle();
+        FollowPageType();
         UpdateUndoTools(context_, docDHTMLEditor);
         // 2. Ordinary typing ends here.
         const dom::Document& document = Document();

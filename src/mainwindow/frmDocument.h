@@ -37,6 +37,7 @@ class frmDocument : public OpenPage {
     int CurrentViewState() const override { return int(state_); }
     void SetToNormalEditMode() override;
     bool TakeOverEdits() override;
+    std::string SourceProblem() const override { return sourceProblem_; }
     void ShowChanges() override;
     dom::Document& Document() override { return docDHTMLEditor.DOM(); }
     std::string UpdateHTML() override;
@@ -46,7 +47,7 @@ class frmDocument : public OpenPage {
     void MarkClean() override;
     bool Capture(const std::string& path) override;
     void RefreshCaption() override;
-    void CloseWindow() override;
+    bool CloseWindow() override;
 
     // --- State ----------------------------------------------------------------------------------
     View State() const { return state_; }
@@ -113,11 +114,15 @@ class frmDocument : public OpenPage {
 
   private:
     void ConnectSurface();
-    enum class Outcome { Done, Refused };
-    Outcome TakeOverSource();
+    /** False, with the reason in `sourceProblem_`, when the typed text can't be a page. */
+    bool TakeOverSource();
+    void TellSourceProblem();
     void AdoptTitle();
     /** Shows a title that was changed, undone or redone in the explorer and in the caption. */
     void FollowTitle();
+    void AdoptPageType(int pageType);
+    /** Undo and redo can turn a page into a frame page and back as well. */
+    void FollowPageType();
     void ToHtml();
     void ToPreview();
     void ToNormal(bool sourceWasTyped);
@@ -135,6 +140,9 @@ class frmDocument : public OpenPage {
     View state_ = View::Normal;
     SourceText source_;  ///< what the source box was given, for taking its text over
     bool sourceTyped_ = false;
+    std::string refusedSource_;    ///< what the source box held when it was refused
+    std::string sourceProblem_;    ///< why
+    bool pageTypeVaries_ = false;  ///< typed source has made another kind of page of it
     std::size_t elementCount_ = 0;
     bool mouseHit_ = false;
     bool refreshExplorer_ = true;

@@ -29,6 +29,7 @@ frmMDIMain::frmMDIMain(FrameContext& frame, Project& project, MainWindowSurface&
       context_(frame, project_, *this, barMain),
       pageTree_(frame, tvwPageExplorer),
       buried_(std::make_shared<std::vector<std::unique_ptr<frmDocument>>>()) {
+    SetFaults(&frame.faults);
     prgProgress.SetVisible(false);
     picTaskExplorer.SetVisible(false);
     ConnectExplorers(context_);
@@ -74,7 +75,7 @@ void frmMDIMain::StartTimer() {
 }
 
 bool frmMDIMain::Form_QueryUnload() {
-    return Trap(frame_.errorLog, kModule, "Form_QueryUnload", false, [&] {
+    return TrapAndTell(frame_.faults, kModule, "Form_QueryUnload", false, [&] {
         for (const auto& document : context_.OpenDocuments.All())
             document->TakeOverEdits();
         if (!MayGiveUpProject(project_, GivingUp::ForExit, barMain.Caption(19))) return false;
@@ -147,7 +148,7 @@ OpenPage* frmMDIMain::FindOpenPage(const std::string& key) {
 
 void frmMDIMain::ShowPage(const std::string& key, const std::string& title,
                           const std::string& filename, int pageType) {
-    Trap(frame_.errorLog, "UIFunctions.", "ShowPage", [&] {
+    TrapAndTell(frame_.faults, "UIFunctions.", "ShowPage", [&] {
         if (frmDocument* open = context_.OpenDocuments.Find(key)) {
             RaisePage(*open, pageType);
         } else {
@@ -195,7 +196,7 @@ void frmMDIMain::RaisePage(frmDocument& document, int pageType) {
     for (const auto& other : context_.OpenDocuments.All()) {
         Page* page = GetPage(project_, other->PageKey());
         if (!page || page->PageType == PageType::Frames || !other->IsDirty()) continue;
-        other->TakeOverEdits();
+        if (!other->TakeOverEdits()) continue;
         saved = SavePageFile(project_, *page) || saved;
     }
     if (saved) document.ReloadFrames();

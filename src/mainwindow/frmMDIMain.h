@@ -25,7 +25,7 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     ~frmMDIMain() override;
 
     // --- What is seen ---------------------------------------------------------------------------
-    CommandBar barMain;
+    CommandBar barMain{this};
     Frame picExplorers{this, "picExplorers"};  ///< hidden with the last explorer
     Frame picProjectExplorer{this, "picProjectExplorer"};
     TreeView tvwProjectExplorer{this, "tvwProjectExplorer"};
@@ -44,6 +44,7 @@ class frmMDIMain : public ControlOwner, public Workspace, public MainWindowLayou
     ControlArray<Label, 3> sbrMain{this, "sbrMain"};
     ProgressBar prgProgress{this, "prgProgress"};  ///< a panel of the status bar, hidden at rest
 
+    std::string ModuleName() const override { return "MDIMain"; }
     const std::string& Caption() const { return caption_; }
     MainWindowSurface& Surface() { return surface_; }
     MainContext& Context() { return context_; }

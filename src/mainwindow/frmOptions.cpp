@@ -13,6 +13,49 @@
 
 namespace pw {
 
+namespace {
+
+constexpr const char* kTryAgain =
+    "\n\nPlease see that there is room on the disk and that your settings may be written, and "
+    "press "
+    "OK again.";
+
+/** Stores settings one by one. One that can't be stored keeps its value in the program as well. */
+class SettingsWriter {
+  public:
+    explicit SettingsWriter(SettingsHive& hive) : hive_(hive) {}
+
+    template <typename T>
+    void Store(T& setting, const T& value, const char* section, const char* name) {
+        if (Write(section, name, value)) {
+            setting = value;
+        } else {
+            unstored_ += (unstored_.empty() ? "" : ", ") + std::string(name);
+        }
+    }
+
+    /** "" when all were stored. */
+    std::string Problem() const {
+        if (unstored_.empty()) return {};
+        return "These options could not be stored and stay as they were: " + unstored_ + "." +
+               kTryAgain;
+    }
+
+  private:
+    bool Write(const char* section, const char* name, const std::string& value) {
+        return SetRegText(hive_, section, name, value);
+    }
+    template <typename Number>
+    bool Write(const char* section, const char* name, Number value) {
+        return SetRegNumber(hive_, section, name, std::int32_t(value));
+    }
+
+    SettingsHive& hive_;
+    std::string unstored_;
+};
+
+}  // namespace
+
 frmOptions::frmOptions(MainContext& context)
     : Dialog("frmOptions", "Options"), context_(context), settings_(context.frame.settings) {
     using S = Settings;
@@ -131,49 +174,45 @@ int frmOptions::SkillLevel() const {
     return settings_.SkillLevel;
 }
 
-bool frmOptions::WriteSettingsToReg() {
-    SettingsHive& hive = context_.frame.hive;
-    const HiveBatch batch(hive);
-    bool kept = true;
-    for (const TextSetting& text : texts_) {
-        settings_.*text.setting = Trim(text.control->Text());
-        kept = SetRegText(hive, text.section, text.name, settings_.*text.setting) && kept;
-    }
+std::string frmOptions::WriteSettingsToReg() {
+    const Settings former = settings_;
+    HiveBatch batch(context_.frame.hive);
+    SettingsWriter writer(context_.frame.hive);
+    for (const TextSetting& text : texts_)
+        writer.Store(settings_.*text.setting, Trim(text.control->Text()), text.section, text.name);
     for (const TextSetting& path : paths_) {
         const std::string chosen = Trim(path.control->Text());
         const bool isFolder = path.control != &txtNNPath && path.control != &txtIEPath;
         if (chosen.empty() && isFolder) continue;  // the program can't do without its folders
-        settings_.*path.setting = chosen;
-        kept = SetRegText(hive, path.section, path.name, chosen) && kept;
+        writer.Store(settings_.*path.setting, chosen, path.section, path.name);
     }
     for (const NumberSetting& number : numbers_) {
         const auto value = std::int32_t(Val(number.control->Text()));
-        settings_.*number.setting = value < 1 ? number.byDefault : value;
-        kept = SetRegNumber(hive, number.section, number.name, settings_.*number.setting) && kept;
+        writer.Store(settings_.*number.setting, value < 1 ? number.byDefault : value,
+                     number.section, number.name);
     }
-    for (const CheckSetting& check : checks_) {
-        settings_.*check.setting = check.control->Checked();
-        kept = SetRegNumber(hive, check.section, check.name, check.control->Checked()) && kept;
-    }
-    for (const ColorSetting& color : colors_) {
-        settings_.*color.setting = color.control->Value();
-        kept =
-            SetRegNumber(hive, color.section, color.name, std::int32_t(color.control->Value())) &&
-            kept;
-    }
-    settings_.DefaultFontColor = HtmlColor(optColor[0].Value());
-    kept = SetRegText(hive, "Project", "Default Font Color", settings_.DefaultFontColor) && kept;
-    if (cboFontName.ListIndex() >= 0) settings_.DefaultFont = cboFontName.Text();
-    kept = SetRegText(hive, "Project", "Default Font", settings_.DefaultFont) && kept;
-    if (cboFontSize.ListIndex() >= 0)
-        settings_.DefaultFontSize = std::int16_t(Val(cboFontSize.Text()));
-    kept = SetRegNumber(hive, "Project", "Default Font Size", settings_.DefaultFontSize) && kept;
-    if (cboConnectionSpeed.ListIndex() >= 0)
-        settings_.ConnectionSpeed = cboConnectionSpeed.ListIndex() + 1;
-    kept = SetRegNumber(hive, "Project", "Connection Speed", settings_.ConnectionSpeed) && kept;
-    settings_.SkillLevel = SkillLevel();
-    kept = SetRegNumber(hive, "Other", "Skill Level", settings_.SkillLevel) && kept;
-    return kept;
+    for (const CheckSetting& check : checks_)
+        writer.Store(settings_.*check.setting, check.control->Checked(), check.section, check.name);
+    for (const ColorSetting& color : colors_)
+        writer.Store(settings_.*color.setting, color.control->Value(), color.section, color.name);
+    writer.Store(settings_.DefaultFontColor, HtmlColor(optColor[0].Value()), "Project",
+                 "Default Font Color");
+    writer.Store(settings_.DefaultFont,
+                 cboFontName.ListIndex() >= 0 ? cboFontName.Text() : settings_.DefaultFont,
+                 "Project", "Default Font");
+    writer.Store(settings_.DefaultFontSize,
+                 cboFontSize.ListIndex() >= 0 ? std::int16_t(Val(cboFontSize.Text()))
+                                              : settings_.DefaultFontSize,
+                 "Project", "Default Font Size");
+    writer.Store(settings_.ConnectionSpeed,
+                 cboConnectionSpeed.ListIndex() >= 0 ? cboConnectionSpeed.ListIndex() + 1
+                                                     : settings_.ConnectionSpeed,
+                 "Project", "Connection Speed");
+    writer.Store(settings_.SkillLevel, SkillLevel(), "Other", "Skill Level");
+    if (batch.Commit()) return writer.Problem();
+    settings_ = former;
+    std::string problem = "None of the options could be stored.";
+    return problem.append(kTryAgain);
 }
 
 void frmOptions::ApplyToOpenPages() {
@@ -187,17 +226,16 @@ void frmOptions::cmdOK_Click() {
     if (!HasOnlyFullPaths()) return;
     const bool showedComments = settings_.ShowCommentsInExplorer;
     const int formerLevel = settings_.SkillLevel;
-    Trap(context_.frame.errorLog, "Options.", "cmdOK_Click", [&] {
-        const bool kept = WriteSettingsToReg();
-        if (settings_.ShowCommentsInExplorer != showedComments)
-            UpdatePageExplorer(context_, context_.CurrentPageKey);
-        if (settings_.SkillLevel != formerLevel) ApplySkillLevel(context_);
-        ApplyToOpenPages();
-        ResetUI(context_);
-        context_.window.StartTimer();
-        if (!kept) throw Failure("Some settings could not be stored.");
-    });
-    Close();
+    const std::string problem = WriteSettingsToReg();
+    if (settings_.ShowCommentsInExplorer != showedComments)
+        UpdatePageExplorer(context_, context_.CurrentPageKey);
+    if (settings_.SkillLevel != formerLevel) ApplySkillLevel(context_);
+    ApplyToOpenPages();
+    ResetUI(context_);
+    context_.window.StartTimer();
+    if (problem.empty()) return Close();
+    context_.frame.errorLog.LogError("", Failure(problem), "Options.", "cmdOK_Click");
+    context_.frame.dialogs.MsgBox({problem, Title(), Icon::Exclamation});
 }
 
 }  // namespace pw

@@ -4,6 +4,7 @@
 //   Refuses  a folder or a browser that is no full path; anything but digits in its numbers.
 //   Writes   on OK every one of them to `Settings` and to the stored settings, and then applies
 //            what open pages, toolbars, the status bar and the auto-save timer can take at once.
+//            While one can't be stored, it says so and stays.
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -53,8 +54,9 @@ class frmOptions : public Dialog {
     Button cmdOK{this, "cmdOK"};
     Button cmdCancel{this, "cmdCancel"};
 
-    /** Takes everything over from the controls; false when something could not be stored. */
-    bool WriteSettingsToReg();
+    /** Takes everything over from the controls. A sentence about what could not be stored, and so
+     *  stays as it was; "" when all was. */
+    std::string WriteSettingsToReg();
 
   private:
     struct TextSetting {

@@ -8,6 +8,7 @@
 namespace pw {
 
 class Dialog;
+class FaultSink;
 
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Icon { None, Information, Exclamation, Stop, Question };
@@ -28,6 +29,8 @@ struct FileQuestion {
     std::string filter;            ///< "Projects (*.pwp)|*.pwp", pairs of text and pattern
     std::string initialPath;       ///< folder, or folder and name; backslashes
     std::string defaultExtension;  ///< without the dot
+    /** Of the file that is saved: a name may have this extension beside those of the filter. */
+    std::string ownExtension;
 };
 
 /** 0x00BBGGRR, the platform's order. */
@@ -42,13 +45,22 @@ class DialogHost {
      *  open already. Returns at once: the dialog must be closed before it dies. */
     virtual void Show(Dialog& dialog) = 0;
     virtual Answer MsgBox(const Message& message) = 0;
-    /** "" when cancelled. Saving asks about an existing file itself. */
+    /** "" when cancelled. */
     virtual std::string OpenFile(const FileQuestion& question) = 0;
+    /** As it was typed or chosen: neither the extension is added nor is an existing file asked
+     *  about. AskSaveFile does both. */
     virtual std::string SaveFile(const FileQuestion& question) = 0;
     virtual std::string BrowseFolder(const std::string& title, const std::string& initial) = 0;
     virtual std::optional<Color> PickColor(const std::string& title, Color initial) = 0;
     /** True while any modal dialog or message is up. */
     virtual bool IsModalOpen() const = 0;
+
+    /** Where the dialogs report what their handlers could not do; none at first. */
+    void SetFaults(FaultSink* faults) { faults_ = faults; }
+    FaultSink* Faults() const { return faults_; }
+
+  private:
+    FaultSink* faults_ = nullptr;
 };
 
 }  // namespace pw

@@ -29,9 +29,10 @@ class SettingsHive {
     virtual bool KeyExists(std::uint32_t root, std::string_view key) const = 0;
     /** Name of the sub-key at an index from 0, "" behind the last. */
     virtual std::string EnumKey(std::uint32_t root, std::string_view key, int index) const = 0;
-    /** Groups the writes of a scope into one commit. */
+    /** Groups the writes up to the Commit into one; they may lie within each other. */
     virtual void Begin() {}
-    virtual void Commit() {}
+    /** False when the outermost could not be kept: then nothing since its Begin is. */
+    virtual bool Commit() { return true; }
 };
 
 /** What the machine's root knows. */

@@ -109,12 +109,12 @@ void TakeOverProperties(ProjectContext& context, Page& page) {
 
 }  // namespace
 
-bool CopyPage(ProjectContext& context, std::string_view key) {
+bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason) {
     return Trap(context.frame.errorLog, kModule, "CopyPage", false, [&] {
         Page* page = GetPage(context, key);
         if (!page) return false;
         if (OpenPage* open = context.workspace.FindOpenPage(page->Key())) {
-            if (!SavePageFile(context, *page)) return false;
+            if (!SavePageFile(context, *page, reason)) return false;
             SaveAttachments(context, open->Document(), open->BaseURL(), *page);
         }
         FileSystem& files = context.frame.files;
@@ -139,7 +139,7 @@ bool CopyPage(ProjectContext& context, std::string_view key) {
 }
 
 bool CutPage(ProjectContext& context, std::string_view key, std::string* reason) {
-    if (!CopyPage(context, key)) return false;
+    if (!CopyPage(context, key, reason)) return false;
     if (!RemoveProjectItem(context, key, nullptr, reason)) return false;
     context.copiedPage.isCut = true;
     return true;

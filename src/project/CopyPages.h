@@ -9,8 +9,9 @@ namespace pw {
 
 class Page;
 
-/** Remembers a copy of the page with its media; an open page is written to its file first. */
-bool CopyPage(ProjectContext& context, std::string_view key);
+/** Remembers a copy of the page with its media; an open page is written to its file first. False,
+ *  with a sentence in `reason` where there is one to tell, when that can't be. */
+bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason = nullptr);
 /** The same, and takes the page out of the project. False, and the page stays, with a sentence in
  *  `reason` where one is to be told. */
 bool CutPage(ProjectContext& context, std::string_view key, std::string* reason = nullptr);

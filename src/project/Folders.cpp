@@ -77,8 +77,11 @@ class ReopenedWindows {
         for (OpenPage* open : context.workspace.OpenPages())
             if (open->PageKey().starts_with(folder.Key())) keys_.push_back(open->PageKey());
         for (const auto& key : keys_)
-            if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
+            if (OpenPage* open = context.workspace.FindOpenPage(key))
+                areClosed_ = open->CloseWindow() && areClosed_;
     }
+    /** False when one of them stays; the user has been told why. */
+    bool AreClosed() const { return areClosed_; }
     ~ReopenedWindows() {
         // The one that was in front comes last.
         std::stable_partition(keys_.begin(), keys_.end(),
@@ -94,6 +97,7 @@ class ReopenedWindows {
     ProjectContext& context_;
     std::vector<std::string> keys_;
     std::string current_;
+    bool areClosed_ = true;
 };
 
 }  // namespace
@@ -168,16 +172,18 @@ Folder* InsertFolder(ProjectContext& context) {
     if (!parent) return nullptr;
 
     frmFolder dialog(context, parent.Key());
+    Folder* folder = nullptr;
+    dialog.apply = [&] {
+        std::string reason;
+        const NewFolder wanted{dialog.Name(), dialog.Description(), dialog.ContainerKind()};
+        folder = AddFolder(context, parent, wanted, &reason);
+        if (!folder)
+            context.frame.dialogs.MsgBox({reason, dialog.Title(), Icon::Exclamation, Buttons::Ok});
+        return folder != nullptr;
+    };
     context.frame.dialogs.ShowModal(dialog);
-    if (!dialog.Accepted()) return nullptr;
+    if (!folder) return nullptr;
 
-    std::string reason;
-    Folder* folder = AddFolder(
-        context, parent, {dialog.Name(), dialog.Description(), dialog.ContainerKind()}, &reason);
-    if (!folder) {
-        context.frame.dialogs.MsgBox({reason, dialog.Title(), Icon::Exclamation, Buttons::Ok});
-        return nullptr;
-    }
     workspace.RefillProjectExplorer();
     workspace.SelectProjectNode(folder->Key());
     return folder;
@@ -211,6 +217,9 @@ bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::stri
             return fail("'" + inTheWay + "' already exists here. Please enter a different name.");
 
         const ReopenedWindows windows(context, folder);
+        if (!windows.AreClosed())
+            return fail("Folder '" + folder.Name +
+                        "' can not be renamed while one of its pages can not be closed.");
         if (from != to) {
             const FileError error =
                 FolderExists(files, from) ? files.Rename(from, to) : files.MakeFolder(to);
@@ -233,25 +242,23 @@ void EditFolderProperties(ProjectContext& context, std::string_view key) {
     Folder* folder = GetFolder(context, key);
     if (!folder) return;
     frmFolder dialog(context, ParentKeyOf(*folder), *folder);
-    context.frame.dialogs.ShowModal(dialog);
-    if (dialog.Accepted()) {
-        const std::string name = dialog.Name();
-        const bool isRenamed = name != folder->Name;
+    dialog.apply = [&] {
         const Message question{
             "Changing the folder name may break links in your project.\n\n"
             "Are you sure you want to continue?",
             "Folder", Icon::Question, Buttons::YesNo, Answer::No};
-        std::string reason;
-        if (!isRenamed) {
-            folder->Description = dialog.Description();
-        } else if (context.frame.dialogs.MsgBox(question) == Answer::Yes) {
-            if (RenameFolderOnDisk(context, *folder, name, &reason)) {
-                folder->Description = dialog.Description();
-            } else {
+        if (dialog.Name() != folder->Name) {
+            if (context.frame.dialogs.MsgBox(question) != Answer::Yes) return false;
+            std::string reason;
+            if (!RenameFolderOnDisk(context, *folder, dialog.Name(), &reason)) {
                 context.frame.dialogs.MsgBox({reason, "Folder", Icon::Exclamation, Buttons::Ok});
+                return false;
             }
         }
-    }
+        folder->Description = dialog.Description();
+        return true;
+    };
+    context.frame.dialogs.ShowModal(dialog);
     context.workspace.RefillProjectExplorer();
 }
 

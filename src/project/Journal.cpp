@@ -92,7 +92,8 @@ void WriteEditedPages(ProjectContext& context) {
         const std::uint64_t revision = open->Document().revision();
         Page* page = IsDue(mark, revision, now) ? GetPage(context, key) : nullptr;
         marks[key] = mark;
-        if (!page) continue;
+        // Typed source that can't be a page stays where it was typed.
+        if (!page || !open->TakeOverEdits()) continue;
         std::string reason;
         if (!SavePageFile(context, *page, &reason)) throw Failure(reason);
         JournalPageWritten(context, *open);

@@ -61,17 +61,20 @@ ProjectItem Descend(const ProjectContext& context, const ProjectItem& parent, bo
     return child;
 }
 
-void CloseWindowOf(ProjectContext& context, const std::string& key) {
-    if (OpenPage* open = context.workspace.FindOpenPage(key)) open->CloseWindow();
+/** False when the window stays. */
+bool CloseWindowOf(ProjectContext& context, const std::string& key) {
+    OpenPage* open = context.workspace.FindOpenPage(key);
+    return !open || open->CloseWindow();
 }
 
-void CloseWindowsBelow(ProjectContext& context, std::string_view key) {
+/** False when one of them stays; those before it are closed. */
+bool CloseWindowsBelow(ProjectContext& context, std::string_view key) {
     // Closing a window changes the list of them.
     std::vector<std::string> keys;
     for (OpenPage* open : context.workspace.OpenPages())
         if (open->PageKey().starts_with(key)) keys.push_back(open->PageKey());
-    for (const auto& open : keys)
-        CloseWindowOf(context, open);
+    return std::all_of(keys.begin(), keys.end(),
+                       [&](const std::string& open) { return CloseWindowOf(context, open); });
 }
 
 /** The page below a key that still has a window; none when all are closed. */
@@ -247,10 +250,10 @@ bool RemoveProjectItem(ProjectContext& context, std::string_view keyGiven, Remov
     const std::string key(keyGiven);
     return Trap(context.frame.errorLog, kModule, "RemoveProjectItem", false, [&] {
         if (ProjectItem item = GetProjectItem(context, key); !item || item.attachment) return false;
-        // 1. The windows, any of which may refuse.
-        CloseWindowsBelow(context, key);
-        if (const Page* page = OpenPageBelow(context, key)) {
-            if (reason)
+        // 1. The windows, any of which may refuse: what it holds would be lost with its page.
+        if (!CloseWindowsBelow(context, key)) {
+            const Page* page = OpenPageBelow(context, key);
+            if (reason && page)
                 *reason = "The page '" + page->Name +
                           "' is still open. Please close it first and try again.";
             return false;
@@ -353,7 +356,10 @@ bool SavePageFile(ProjectContext& context, Page& page, std::string* reason) {
             const int number = GetUniqueFilename(files, "page_", "htm", folder);
             page.Filename = BuildPath(folder, "page_" + std::to_string(number) + ".htm");
         }
-        open->TakeOverEdits();
+        if (!open->TakeOverEdits()) {
+            if (reason) *reason = open->SourceProblem();
+            return false;
+        }
         const dom::Document& document = open->Document();
         const std::string bytes =
             page.PageType == PageType::Frames

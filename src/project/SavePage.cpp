@@ -2,6 +2,7 @@
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
+#include "frame/SaveQuestion.h"
 #include "platform/Text.h"
 #include "project/Attachments.h"
 #include "project/Lifecycle.h"
@@ -21,7 +22,8 @@ std::string AskForFile(ProjectContext& context, const Page& page) {
     question.initialPath =
         BuildPath(context.frame.settings.HTMLPageFolder, GetFileName(page.Filename));
     question.defaultExtension = "htm";
-    return context.frame.dialogs.SaveFile(question);
+    question.ownExtension = GetExtension(page.Filename);
+    return AskSaveFile(context.frame, std::move(question));
 }
 
 /** "" on success, else the reason. */

@@ -1,6 +1,7 @@
 // Saving the project, and what has to be brought up to date before.
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
+#include "frame/SaveQuestion.h"
 #include "platform/Text.h"
 #include "project/Attachments.h"
 #include "project/Journal.h"
@@ -66,9 +67,7 @@ std::string AskForName(ProjectContext& context) {
     question.filter = "Projects (*.pwp)|*.pwp";
     question.initialPath = BuildPath(folder, name);
     question.defaultExtension = kProjectExtension;
-    const std::string chosen = context.frame.dialogs.SaveFile(question);
-    if (chosen.empty() || EqualsNoCase(GetExtension(chosen), kProjectExtension)) return chosen;
-    return chosen + "." + kProjectExtension;
+    return AskSaveFile(context.frame, std::move(question));
 }
 
 void TellFailure(ProjectContext& context, const std::string& file, Silent silent,
@@ -149,7 +148,11 @@ std::string WriteProject(ProjectContext& context, const std::string& file) {
 /** Brings one open page up to date; false with a sentence in `reason` when its file can't be
  *  written. */
 bool UpdateOpenPage(ProjectContext& context, OpenPage& open, Page& page, std::string& reason) {
-    open.TakeOverEdits();
+    // Nothing of what it was before is passed off as the page.
+    if (!open.TakeOverEdits()) {
+        reason = open.SourceProblem();
+        return false;
+    }
     const bool edited = open.IsDirty();
     const DateTime modified = page.Modified;
     const std::string modifiedBy = page.ModifiedBy;

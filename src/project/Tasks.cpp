@@ -34,6 +34,16 @@ std::string PriorityText(int priority) {
     return TextAt(kTaskPriorities, priority);
 }
 
+std::string ShownStatus(int status) {
+    const std::string text = StatusText(status);
+    return text.empty() ? std::to_string(status) : text;
+}
+
+std::string ShownPriority(int priority) {
+    const std::string text = PriorityText(priority);
+    return text.empty() ? std::to_string(priority) : text;
+}
+
 std::vector<ListColumn> TaskColumns() {
     return {{"Name", 260},
             {"Priority", 80},
@@ -45,23 +55,32 @@ std::vector<ListColumn> TaskColumns() {
 ListRow TaskRow(const Task& task) {
     constexpr double kNever = 1e9;  // those without a day come behind all that have one
     const bool done = task.Status == int(TaskStatus::Completed);
-    const bool dated = task.CompleteBy > 0;
+    const bool dated = task.CompleteBy != 0;
     ListRow row;
     row.key = task.Key;
     row.tag = task.Key;
     row.image = done ? kFinishedTaskImage : kTaskImage;
     row.checked = done;
     row.dimmed = done;
-    row.cells = {task.Name, PriorityText(task.Priority), StatusText(task.Status), task.AssignedTo,
+    row.cells = {task.Name, ShownPriority(task.Priority), ShownStatus(task.Status), task.AssignedTo,
                  dated ? FormatDate(task.CompleteBy, DateStyle::ShortDate) : ""};
     row.order = {{1, task.Priority}, {2, task.Status}, {4, dated ? task.CompleteBy : kNever}};
     return row;
 }
 
-bool SetTaskStatus(ProjectContext& context, const std::string& key, TaskStatus status) {
-    Task* task = context.project.Tasks().Item(key);
+void SetStatus(Task& task, int status) {
+    constexpr int kCompleted = int(TaskStatus::Completed);
+    if (status == task.Status) return;
+    task.FormerStatus.reset();
+    if (status == kCompleted) task.FormerStatus = task.Status;
+    task.Status = status;
+}
+
+namespace {
+
+bool ChangeStatus(ProjectContext& context, Task* task, int status) {
     if (!task) return false;
-    task->Status = std::int16_t(status);
+    SetStatus(*task, status);
     task->Modified = context.frame.clock.Now();
     task->ModifiedBy = context.frame.system.UserName();
     context.project.IsDirty = true;
@@ -69,8 +88,16 @@ bool SetTaskStatus(ProjectContext& context, const std::string& key, TaskStatus s
     return true;
 }
 
+}  // namespace
+
 bool MarkTaskComplete(ProjectContext& context, const std::string& key) {
-    return SetTaskStatus(context, key, TaskStatus::Completed);
+    return ChangeStatus(context, context.project.Tasks().Item(key), int(TaskStatus::Completed));
+}
+
+bool UnmarkTaskComplete(ProjectContext& context, const std::string& key) {
+    Task* task = context.project.Tasks().Item(key);
+    const int former = task ? task->FormerStatus.value_or(int(TaskStatus::NotStarted)) : 0;
+    return ChangeStatus(context, task, former);
 }
 
 }  // namespace pw

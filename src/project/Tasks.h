@@ -24,14 +24,21 @@ extern const std::array<const char*, 11> kTaskSubjects;  ///< offered for `Assoc
 
 std::string StatusText(int status);      ///< "" out of range
 std::string PriorityText(int priority);  ///< "" out of range
+/** The text of a number in a list as above, or the number itself: what another program has written
+ *  is seen as it is. */
+std::string ShownStatus(int status);
+std::string ShownPriority(int priority);
 
 /** A task as a row of the task explorer: name, priority, status, assigned to, complete by. Its key
  *  and tag are the task's key; a finished one is ticked and dimmed. */
 ListRow TaskRow(const Task& task);
 std::vector<ListColumn> TaskColumns();
 
+/** Sets the status, and remembers the former one of a task that is completed by it. */
+void SetStatus(Task& task, int status);
 /** False when there is no such task. */
-bool SetTaskStatus(ProjectContext& context, const std::string& key, TaskStatus status);
 bool MarkTaskComplete(ProjectContext& context, const std::string& key);
+/** Gives it back the status that it had; "Not started" where nobody knows. */
+bool UnmarkTaskComplete(ProjectContext& context, const std::string& key);
 
 }  // namespace pw

@@ -28,9 +28,12 @@ class OpenPage {
     virtual int CurrentViewState() const = 0;
     virtual void SetToNormalEditMode() = 0;
     /** Takes over what the user did in whichever view is up, and waits until nothing is due. False
-     *  when the source view holds text that can't be a page: the document is then the page as it was
-     *  before that text, and must not be taken for what the user sees. */
+     *  when the source view holds text that can't be a page: the document is then the page as it
+     * was before that text, and must not be taken for what the user sees. */
     virtual bool TakeOverEdits() = 0;
+    /** Why it could not, as a message for the user, who has not been told by it; "" when it could.
+     */
+    virtual std::string SourceProblem() const { return {}; }
     /** The document was changed from outside: a view that shows a copy of it shows it anew. */
     virtual void ShowChanges() = 0;
     virtual dom::Document& Document() = 0;
@@ -45,7 +48,9 @@ class OpenPage {
     virtual bool Capture(const std::string& path) = 0;
     /** Shows the page's title and file name in its caption. */
     virtual void RefreshCaption() = 0;
-    virtual void CloseWindow() = 0;  ///< writes the page to the scratch area first
+    /** Writes the page to the scratch area first. False when that can't be, of which the user has
+     *  been told: the window stays, and what it holds must not be given up. */
+    virtual bool CloseWindow() = 0;
 };
 
 class Workspace {

@@ -53,6 +53,7 @@ void frmFolder::cmdOK_Click() {
         if (!EqualsNoCase(name, oldName_) && !IsOKToAddFolder(context_, name, parentKey_))
             return Refuse("This folder name already exist. Please enter a different name.");
     }
+    if (apply && !apply()) return txtName.SetFocus();
     context_.project.IsDirty = true;
     accepted_ = true;
     Close();

@@ -2,7 +2,10 @@
 // The dialog of a folder: its name and description.
 //   Edits    the values it was opened with; writes nothing to the project but `IsDirty`.
 //   Refuses  a name that is no name for a folder or that a sibling has, in any letter case.
-//   Result   `Accepted()`, `Name()` and the rest, for the caller to act on.
+//   Result   `Accepted()`, `Name()` and the rest; the caller acts on them in `apply`, and while
+//   that
+//            can't be done the dialog stays.
+#include <functional>
 #include <string>
 
 #include "platform/controls/Dialog.h"
@@ -17,6 +20,10 @@ class frmFolder : public Dialog {
     frmFolder(ProjectContext& context, std::string parentKey);
     /** For the properties of a folder. */
     frmFolder(ProjectContext& context, std::string parentKey, const Folder& folder);
+
+    /** Called by OK for what looks right. False when it could not be done, of which the user has
+     *  been told, or when he has thought better of it. */
+    std::function<bool()> apply;
 
     bool Accepted() const { return accepted_; }
     std::string Name() const;  ///< trimmed

@@ -88,20 +88,18 @@ void frmProject::tabProject_Click() {
 }
 
 void frmProject::cmdOK_Click() {
-    Trap(context_.frame.errorLog, "frmProject.", "cmdOK_Click", [&] {
-        Project& project = context_.project;
-        project.Name = Trim(txtProjectName.Text());
-        for (const Field& field : fields_)
-            *field.value = field.box->Text();
-        project.VersionMajor = int(Val(txtVersion[0].Text()));
-        project.VersionMinor = int(Val(txtVersion[1].Text()));
-        project.VersionBuild = int(Val(txtVersion[2].Text()));
-        project.AutoVersion = chkAutoVer.Checked();
-        project.IsLoaded = true;
-        project.IsDirty = true;
-        context_.workspace.RefreshCaption();
-        confirmed_ = true;
-    });
+    Project& project = context_.project;
+    project.Name = Trim(txtProjectName.Text());
+    for (const Field& field : fields_)
+        *field.value = field.box->Text();
+    project.VersionMajor = int(Val(txtVersion[0].Text()));
+    project.VersionMinor = int(Val(txtVersion[1].Text()));
+    project.VersionBuild = int(Val(txtVersion[2].Text()));
+    project.AutoVersion = chkAutoVer.Checked();
+    project.IsLoaded = true;
+    project.IsDirty = true;
+    confirmed_ = true;
+    context_.workspace.RefreshCaption();
     Close();
 }
 

@@ -8,6 +8,22 @@
 
 namespace pw {
 
+namespace {
+
+/** Chooses a value that counts the items; one that no item stands for gets one of its own. */
+void Choose(ComboBox& box, int value) {
+    const bool isKnown = value >= 0 && value < int(box.Items().size());
+    if (!isKnown) box.AddItem(std::to_string(value));
+    box.SetListIndex(isKnown ? value : int(box.Items().size()) - 1);
+}
+
+/** What is chosen, of `known` items; `former` for the item of its own and for none. */
+int Chosen(const ComboBox& box, std::size_t known, int former) {
+    return box.ListIndex() >= 0 && box.ListIndex() < int(known) ? box.ListIndex() : former;
+}
+
+}  // namespace
+
 frmTask::frmTask(ProjectContext& context, const std::string& key)
     : Dialog("frmTask", key.empty() ? "New Task" : "Task Properties"),
       context_(context),
@@ -45,8 +61,8 @@ void frmTask::FillFromTask() {
     txtName.SetText(task->Name);
     txtDesc.SetText(task->Description);
     cboAssociatedWith.SetText(task->AssociatedWith);
-    cboPriority.SetListIndex(task->Priority);
-    cboStatus.SetListIndex(task->Status);
+    Choose(cboPriority, task->Priority);
+    Choose(cboStatus, task->Status);
     cboAssignedTo.SetText(task->AssignedTo);
     dtpCompleteBy.SetValue(task->CompleteBy);
     chkPublish.SetChecked(task->PublishingDependent);
@@ -58,34 +74,33 @@ void frmTask::txtName_Change() {
 }
 
 void frmTask::cmdOK_Click() {
-    Trap(context_.frame.errorLog, "Task.", "cmdOK_Click", [this] {
-        const DateTime now = context_.frame.clock.Now();
-        const std::string user = context_.frame.system.UserName();
-        Task* task = key_.empty() ? nullptr : context_.project.Tasks().Item(key_);
+    const DateTime now = context_.frame.clock.Now();
+    const std::string user = context_.frame.system.UserName();
+    Task* task = key_.empty() ? nullptr : context_.project.Tasks().Item(key_);
+    if (!task) {
+        task = context_.project.Tasks().Add(MakeGUID(0));
         if (!task) {
-            task = context_.project.Tasks().Add(MakeGUID(0));
-            if (!task) {
-                context_.frame.dialogs.MsgBox(
-                    {Describe(ProjectResult::CollectionFull), Title(), Icon::Exclamation});
-                return;
-            }
-            task->CreatedBy = user;
-            task->Created = now;
+            context_.frame.dialogs.MsgBox(
+                {Describe(ProjectResult::CollectionFull), Title(), Icon::Exclamation});
+            return;
         }
-        task->Name = txtName.Text();
-        task->AssociatedWith = cboAssociatedWith.Text();
-        task->Priority = std::max(cboPriority.ListIndex(), 0);
-        task->Status = std::max(cboStatus.ListIndex(), 0);
-        task->CompleteBy = dtpCompleteBy.Value();
-        task->AssignedTo = cboAssignedTo.Text();
-        task->Description = txtDesc.Text();
-        task->PublishingDependent = chkPublish.Checked();
-        task->ModifiedBy = user;
-        task->Modified = now;
-        context_.project.IsDirty = true;
-        context_.workspace.RefreshTasks();
-        Close();
-    });
+        key_ = task->Key;
+        task->CreatedBy = user;
+        task->Created = now;
+    }
+    task->Name = txtName.Text();
+    task->AssociatedWith = cboAssociatedWith.Text();
+    task->Priority = Chosen(cboPriority, kTaskPriorities.size(), task->Priority);
+    SetStatus(*task, Chosen(cboStatus, kTaskStatuses.size(), task->Status));
+    task->CompleteBy = dtpCompleteBy.Value();
+    task->AssignedTo = cboAssignedTo.Text();
+    task->Description = txtDesc.Text();
+    task->PublishingDependent = chkPublish.Checked();
+    task->ModifiedBy = user;
+    task->Modified = now;
+    context_.project.IsDirty = true;
+    context_.workspace.RefreshTasks();
+    Close();
 }
 
 void ShowTaskDialog(ProjectContext& context, const std::string& key) {
@@ -94,9 +109,10 @@ void ShowTaskDialog(ProjectContext& context, const std::string& key) {
     context.frame.dialogs.ShowModal(dialog);
 }
 
-void ShowNewTaskDialog(ProjectContext& context) {
+std::string ShowNewTaskDialog(ProjectContext& context) {
     frmTask dialog(context, "");
     context.frame.dialogs.ShowModal(dialog);
+    return dialog.TaskKey();
 }
 
 }  // namespace pw

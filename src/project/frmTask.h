@@ -1,6 +1,7 @@
 #pragma once
 // The dialog of one task. Edits all of its fields, refuses an empty name, and on OK writes the
-// task, a new one under a new GUID.
+// task, a new one under a new GUID. What it can't name, such as a status that another program has
+// written, it shows as it is, and leaves it so.
 #include "platform/controls/Dialog.h"
 #include "project/ProjectContext.h"
 
@@ -24,6 +25,9 @@ class frmTask : public Dialog {
     Button cmdOK{this, "cmdOK"};
     Button cmdCancel{this, "cmdCancel"};
 
+    /** Also that of a new task, once it is made. */
+    const std::string& TaskKey() const { return key_; }
+
   private:
     void PopulateAssignedTo();
     void FillFromTask();
@@ -36,7 +40,7 @@ class frmTask : public Dialog {
 
 /** Opens the task of that key; nothing happens with an empty one. */
 void ShowTaskDialog(ProjectContext& context, const std::string& key);
-/** Opens the dialog for a new task. */
-void ShowNewTaskDialog(ProjectContext& context);
+/** Opens the dialog for a new task. Returns its key, "" when none was made. */
+std::string ShowNewTaskDialog(ProjectContext& context);
 
 }  // namespace pw

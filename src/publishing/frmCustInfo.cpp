@@ -26,18 +26,25 @@ void frmCustInfo::SetCmdDone() {
 }
 
 void frmCustInfo::cmdDone_Click() {
-    Trap(context_.errorLog, "CustInfo.", "cmdDone_Click", [&] {
-        Settings& settings = context_.settings;
-        settings.Firstname = Trim(txtFName.Text());
-        settings.Lastname = Trim(txtLName.Text());
-        settings.UserEmail = Trim(txtEmail.Text());
-        const HiveBatch batch(context_.hive);
-        const bool kept = SetRegText(context_.hive, "General", "First Name", settings.Firstname) &&
-                          SetRegText(context_.hive, "General", "Last Name", settings.Lastname) &&
-                          SetRegText(context_.hive, "General", "User E-mail", settings.UserEmail);
-        if (!kept) throw Failure("The user's name could not be stored.");
-    });
-    Close();
+    const std::string first = Trim(txtFName.Text());
+    const std::string last = Trim(txtLName.Text());
+    const std::string email = Trim(txtEmail.Text());
+    HiveBatch batch(context_.hive);
+    const bool written = SetRegText(context_.hive, "General", "First Name", first) &&
+                         SetRegText(context_.hive, "General", "Last Name", last) &&
+                         SetRegText(context_.hive, "General", "User E-mail", email);
+    const bool stored = batch.Commit() && written;
+    // In this run of the program they hold all the same.
+    context_.settings.Firstname = first;
+    context_.settings.Lastname = last;
+    context_.settings.UserEmail = email;
+    if (stored) return Close();
+    const char* problem =
+        "Your name and e-mail address could not be stored.\n\nPlease see that there is room on the "
+        "disk and that your settings may be written, and try again. If you close this window, the "
+        "program knows them until it ends, and asks again when it is started.";
+    context_.errorLog.LogError("", Failure(problem), "CustInfo.", "cmdDone_Click");
+    context_.dialogs.MsgBox({problem, Title(), Icon::Exclamation});
 }
 
 }  // namespace pw

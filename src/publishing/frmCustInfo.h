@@ -2,7 +2,7 @@
 // Asks for the user's own name, once, before the first project.
 //   Edits    first name, last name and e-mail address.
 //   Refuses  to be done while one of the three is empty.
-//   Writes   on Done, to `Settings` and the stored settings.
+//   Writes   on Done, to `Settings` and the stored settings; stays while it can't.
 #include "platform/controls/Dialog.h"
 
 namespace pw {

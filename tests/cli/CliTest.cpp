@@ -148,6 +148,17 @@ TEST_F(CliTest, RenamesPagesAndListsLinks) {
     EXPECT_EQ(Leftovers(), 0);
 }
 
+TEST_F(CliTest, AProjectsExtensionIsNoPartOfItsName) {
+    folder.Put("Site 2.0.pwp", "another project");
+    EXPECT_EQ(Cli({"new", Path("example.com")}).output, Path("example.com.pwp") + "\n");
+    EXPECT_THAT(Cli({"info", Path("example.com")}).output,
+                testing::HasSubstr("Name: example.com\n"));
+    EXPECT_EQ(Cli({"list", Path("example.com.pwp")}).code, 0);
+    EXPECT_FALSE(folder.Has("example.com"));
+    EXPECT_EQ(Cli({"new", Path("Site 2.0")}).code, 1);
+    EXPECT_EQ(folder.Get("Site 2.0.pwp"), "another project");
+}
+
 TEST_F(CliTest, ListsAndSetsVariables) {
     folder.Put("in.html", "<title>Home</title><a type=omMerge name=Slogan>x</a>");
     const std::string project = Path("p.pwp");

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "project/Attachments.h"
 #include "project/Folders.h"
 #include "project/Links.h"
 #include "project/frmNameValue.h"
@@ -243,7 +246,7 @@ TEST(frmPage, TheDefaultPageMovesAside) {
     });
 }
 
-TEST(frmPage, ChangesMetaTagsAtOnce) {
+TEST(frmPage, ChangesMetaTagsOnOK) {
     PageProperties test;
     test.Edit(*test.page, [](frmPage&) {});
     dom::Document& document = test.Document();
@@ -251,6 +254,7 @@ TEST(frmPage, ChangesMetaTagsAtOnce) {
                                 "<meta charset=utf-8><META NAME=Generator content=us>"
                                 "<meta name=robots content=all>"
                                 "<meta http-equiv=refresh content=5>");
+    const std::string before = document.html();
     test.Edit(*test.page, [&](frmPage& dialog) {
         test.ExpectEntry("User Meta Tag", "", "author", "Ann");
         test.ExpectEntry("User Meta Tag", "robots", "robots", "none");
@@ -279,7 +283,9 @@ TEST(frmPage, ChangesMetaTagsAtOnce) {
         EXPECT_EQ(rows(dialog.lvwMetaTags[1]), "expires=5 ");
         test.dialogs.ExpectMessage(Answer::Yes, "remove this meta tag?");
         dialog.cmdMetaTags[2].UserClick();
-        dialog.cmdCancel.UserClick();
+        EXPECT_EQ(rows(dialog.lvwMetaTags[1]), "");
+        EXPECT_EQ(document.html(), before);
+        dialog.cmdOK.UserClick();
     });
     const std::string html = document.html();
     EXPECT_NE(html.find("<meta charset=utf-8><META NAME=Generator content=us>"
@@ -287,8 +293,107 @@ TEST(frmPage, ChangesMetaTagsAtOnce) {
                         "<meta name=\"author\" content=\"Ann\">"),
               std::string::npos)
         << html;
+    EXPECT_EQ(html.find("http-equiv"), std::string::npos);
     EXPECT_TRUE(document.undo());
-    EXPECT_NE(document.html().find("expires"), std::string::npos);
+    EXPECT_EQ(document.html(), before) << "one step";
+}
+
+TEST(frmPage, CancelAndRefusalLeaveNoTrace) {
+    PageProperties test;
+    Page* other = test.Insert("other", "<a href=\"about.htm#deep\">x</a>");
+    test.Edit(*test.page, [](frmPage&) {});
+    const std::string paper = test.folder.Put("paper.pdf", "%PDF");
+    const std::string sky = test.folder.Put("sky.gif", "GIF89a");
+    const std::string song = test.folder.Put("song.mid", "MThd");
+    const std::string media = GetParentFolder(test.page->Filename) + "\\media";
+    const std::string own = media + "\\own.txt";
+    ASSERT_EQ(test.files->Write(own, "x"), FileError::None);
+    ASSERT_NE(AddSystemAttachment(test.context, own, *test.page), nullptr);
+    const std::string html = test.Document().html();
+    const std::string link = test.Text(other->Filename);
+    const std::string file = test.page->Filename;
+    const auto fill = [&](frmPage& dialog, const char* name) {
+        dialog.txtTitle.UserSetText("Other");
+        dialog.txtFileName.UserSetText(name);
+        test.ExpectEntry("User Meta Tag", "", "author", "Ann");
+        dialog.cmdMetaTags[0].UserClick();
+        test.dialogs.ExpectMessage(Answer::Yes, "remove this attachment?");
+        dialog.lvwAttachments.UserSelect(0);
+        dialog.cmdAttachments[1].UserClick();
+        test.dialogs.ExpectFile(paper);
+        dialog.cmdAttachments[0].UserClick();
+        for (int i = 0; i < 2; ++i)
+            dialog.chkBackground[std::size_t(i)].UserSetChecked(true);
+        dialog.txtSource[0].UserSetText(ToNativePath(sky));
+        dialog.txtSource[1].UserSetText(ToNativePath(song));
+    };
+    struct Row {
+        const char* name;
+        const char* fileName;
+        std::function<void(frmPage&)> end;
+    };
+    const Row rows[] = {
+        {"cancelled", "fresh.htm", [](frmPage& dialog) { dialog.cmdCancel.UserClick(); }},
+        {"a name that is taken", "other.htm",
+         [&](frmPage& dialog) {
+             test.dialogs.ExpectMessage(Answer::Ok, "already exists");
+             dialog.cmdOK.UserClick();
+         }},
+        {"an attachment that is gone", "fresh.htm",
+         [&](frmPage& dialog) {
+             test.dialogs.ExpectMessage(Answer::Ok, "can not be copied");
+             std::filesystem::remove(ToNativePath(paper));
+             dialog.cmdOK.UserClick();
+             test.folder.Put("paper.pdf", "%PDF");
+         }},
+        {"a file that can't be renamed", "fresh.htm",
+         [&](frmPage& dialog) {
+             test.dialogs.ExpectMessage(Answer::Ok, "can not be renamed");
+             std::filesystem::remove(ToNativePath(file));
+             dialog.cmdOK.UserClick();
+             EXPECT_EQ(test.files->Write(file, html), FileError::None);
+         }},
+    };
+    for (const Row& row : rows) {
+        test.Edit(*test.page, [&](frmPage& dialog) {
+            fill(dialog, row.fileName);
+            row.end(dialog);
+        });
+        EXPECT_EQ(test.page->Filename, file) << row.name;
+        EXPECT_EQ(test.page->Name, "about") << row.name;
+        EXPECT_EQ(test.Document().html(), html) << row.name;
+        EXPECT_FALSE(test.Document().canUndo()) << row.name;
+        EXPECT_EQ(test.Text(other->Filename), link) << row.name;
+        ASSERT_EQ(test.page->Attachments().Count(), 1) << row.name;
+        EXPECT_EQ(test.page->Attachments().Item(1)->Filename(), own) << row.name;
+        std::vector<FolderEntry> entries;
+        ASSERT_EQ(test.files->List(media, entries), FileError::None);
+        EXPECT_EQ(entries.size(), 1u) << row.name << ": copied files stay";
+    }
+    test.Confirm(*test.page, [&](frmPage& dialog) { fill(dialog, "fresh.htm"); });
+    EXPECT_EQ(GetFileName(test.page->Filename), "fresh.htm");
+    EXPECT_EQ(test.page->Attachments().Count(), 3);
+    EXPECT_NE(test.Document().html().find("author"), std::string::npos);
+}
+
+TEST(frmPage, TheDefaultPageComesBackWhenItsNameCanNotBeGiven) {
+    PageProperties test;
+    const std::string page = test.page->Filename;
+    const std::string home = test.home->Filename;
+    const std::string title = test.home->Name;
+    test.Edit(*test.page, [&](frmPage& dialog) {
+        dialog.chkDefaultPage.UserSetChecked(true);
+        std::filesystem::remove(ToNativePath(page));
+        test.dialogs.ExpectMessage(Answer::Ok, "can not be renamed");
+        dialog.cmdOK.UserClick();
+        EXPECT_TRUE(dialog.IsOpen());
+        EXPECT_EQ(dialog.txtTitle.Text(), "about");
+    });
+    EXPECT_EQ(test.home->Filename, home);
+    EXPECT_EQ(test.home->Name, title);
+    EXPECT_TRUE(test.home->IsDefault);
+    EXPECT_TRUE(FileExists(*test.files, home));
+    EXPECT_FALSE(test.page->IsDefault);
 }
 
 TEST(frmPage, AddsAndRemovesAttachments) {
@@ -308,6 +413,8 @@ TEST(frmPage, AddsAndRemovesAttachments) {
         test.dialogs.ExpectMessage(Answer::Ok, "can not be copied");
         dialog.cmdAttachments[0].UserClick();
         EXPECT_EQ(dialog.lvwAttachments.Count(), 1);
+        EXPECT_EQ(test.page->Attachments().Count(), 0) << "not before OK";
+        dialog.cmdOK.UserClick();
     });
     ASSERT_EQ(test.page->Attachments().Count(), 1);
     EXPECT_TRUE(FileExists(*test.files, test.page->Attachments().Item(1)->Filename()));
@@ -318,6 +425,7 @@ TEST(frmPage, AddsAndRemovesAttachments) {
         dialog.cmdAttachments[1].UserClick();
         EXPECT_EQ(test.dialogs.Messages().back().title, "Remove Attachment");
         EXPECT_EQ(dialog.lvwAttachments.Count(), 0);
+        dialog.cmdOK.UserClick();
     });
     EXPECT_EQ(test.page->Attachments().Count(), 0);
 }

@@ -35,11 +35,22 @@ TEST(ErrorLog, WritesTheWholeRecord) {
         << "a value cannot forge a line";
 }
 
-TEST(ErrorLog, IsQuietWhenItCannotWrite) {
+TEST(ErrorLog, HasAPlaceBeforeTheProjectsFolder) {
     TestContext test;
     test.frame.settings.ProjectsFolder = test.folder.Path("none");
     test.frame.errorLog.LogError("", 1, "A.", "B");
     EXPECT_FALSE(test.folder.Has("none"));
+    const std::string early = BuildPath(test.frame.places.dataFolder, "error.log");
+    EXPECT_EQ(test.frame.errorLog.Path(), early);
+    EXPECT_NE(ReadTextFile(*test.files, early).find("Procedure=A.B"), std::string::npos);
+}
+
+TEST(ErrorLog, IsQuietWhenItCannotWrite) {
+    TestContext test;
+    test.frame.settings.ProjectsFolder = test.folder.Path("none");
+    test.frame.places.dataFolder = test.folder.Path("nowhere");
+    test.frame.errorLog.LogError("", 1, "A.", "B");
+    EXPECT_FALSE(test.folder.Has("nowhere"));
     test.frame.settings.ProjectsFolder = test.folder.Path();
     test.frame.errorLog.projectAuthor = []() -> std::optional<std::string> { throw 1; };
     test.frame.errorLog.LogError("", 1, "A.", "C");

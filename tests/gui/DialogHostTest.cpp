@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include "platform/controls/Dialog.h"
+#include "platform/qt/Application.h"
 #include "platform/qt/QtMessageLoop.h"
 #include "platform/qt/QtText.h"
 
@@ -160,19 +161,72 @@ TEST(DialogHost, FiltersAreTurnedIntoThoseOfQt) {
     EXPECT_TRUE(nameFilters("").isEmpty());
 }
 
-TEST(DialogHost, SavingAddsTheExtensionAndGivesBackslashes) {
+/** Notes what handlers could not do. */
+struct NotedFaults : FaultSink {
+    void HandlerFailed(const std::string& moduleDot, const std::string& procedure) override {
+        tags.push_back(moduleDot + procedure);
+    }
+    std::vector<std::string> tags;
+};
+
+TEST(DialogHost, AFailingHandlerLeavesTheDialogAndTheHandlerAroundIt) {
+    QtDialogHost host;
+    NotedFaults faults;
+    host.SetFaults(&faults);
+    NameDialog outer;
+    bool isDone = false;
+    outer.cmdOK.Click = [&] {
+        NameDialog inner;
+        inner.cmdOK.Click = [] { throw std::runtime_error("inner"); };
+        whenModal<QDialog>([&](QDialog& window) {
+            QTest::keyClick(&window, Qt::Key_Return);
+            EXPECT_TRUE(inner.IsOpen());
+            QTest::keyClick(&window, Qt::Key_Escape);
+        });
+        host.ShowModal(inner);
+        isDone = true;
+        outer.Close();
+    };
+    whenModal<QDialog>([&](QDialog& window) { QTest::keyClick(&window, Qt::Key_Return); });
+    host.ShowModal(outer);
+    EXPECT_TRUE(isDone);
+    EXPECT_EQ(faults.tags, std::vector<std::string>{"NameValue.cmdOK_Click"});
+}
+
+TEST(ApplicationTest, AnEventThatFailsDoesNotEndTheProgram) {
+    struct Failing : QObject {
+        bool event(QEvent*) override { throw std::runtime_error("no handler caught this"); }
+    };
+    auto& application = static_cast<Application&>(*qApp);
+    std::vector<Application::Fault> seen;
+    const auto former = std::exchange(application.onFault, [&](Application::Fault fault) {
+        EXPECT_THROW(throw, std::runtime_error);
+        seen.push_back(fault);
+    });
+    Failing receiver;
+    QEvent event(QEvent::User);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_FALSE(QCoreApplication::sendEvent(&receiver, &event));
+    EXPECT_EQ(seen, (std::vector<Application::Fault>{Application::Fault::Told,
+                                                     Application::Fault::Again}));
+    application.onFault = former;
+}
+
+TEST(DialogHost, SavingLeavesTheNameAndTheQuestionToTheLogic) {
     const QTemporaryDir folder;
+    QFile taken(folder.filePath("example.com"));
+    ASSERT_TRUE(taken.open(QIODevice::WriteOnly));
     QtDialogHost host;
     whenModal<QFileDialog>([&](QFileDialog& dialog) {
         EXPECT_EQ(dialog.directory().path(), folder.path());
         auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
         EXPECT_EQ(name->text(), "Old");
-        name->setText("My Shop");
+        name->setText("example.com");
         QTest::keyClick(name, Qt::Key_Return);
     });
     const std::string chosen = host.SaveFile(
         {"Save Project As", "Projects (*.pwp)|*.pwp", fromNativeQt(folder.filePath("Old")), "pwp"});
-    EXPECT_EQ(chosen, fromNativeQt(folder.filePath("My Shop.pwp")));
+    EXPECT_EQ(chosen, fromNativeQt(folder.filePath("example.com")));
     EXPECT_EQ(chosen.find('/'), std::string::npos);
 }
 

@@ -294,6 +294,17 @@ TEST_F(FormBinderTest, DatesAreDayCounts) {
     EXPECT_EQ(due.Value(), 45001);
     due.SetValue(0);
     EXPECT_EQ(date->text(), " ");
+    date->stepUp();
+    EXPECT_EQ(date->date(), QDate::currentDate()) << "the first step from no day at all";
+    // What another program has written is shown as far as it can be, and kept as it is.
+    for (const auto& [value, day] :
+         {std::pair(-20000.25, QDate(1845, 3, 28)), std::pair(0.5, QDate(1899, 12, 30)),
+          std::pair(1e300, QDate(9999, 12, 31))}) {
+        due.SetValue(value);
+        EXPECT_EQ(date->date(), day) << value;
+        EXPECT_TRUE(date->text().contains(QString::number(day.year()))) << qPrintable(date->text());
+        EXPECT_EQ(due.Value(), value);
+    }
 }
 
 TEST_F(FormBinderTest, LongListsMakeOnlyTheRowsThatAreSeen) {

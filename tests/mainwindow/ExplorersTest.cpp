@@ -10,6 +10,7 @@
 #include "mainwindow/UIState.h"
 #include "project/Folders.h"
 #include "project/Tasks.h"
+#include "project/frmTask.h"
 #include "support/CpuTimer.h"
 #include "support/TestProgram.h"
 
@@ -379,6 +380,85 @@ TEST(TaskExplorer, SortsByValuesAndTicksOffWhatIsDone) {
     list.UserCheck(list.FindKey("b"), false);
     EXPECT_EQ(program.project().Tasks().Item("b")->Status, int(TaskStatus::NotStarted));
     EXPECT_EQ(list.Row(list.FindKey("b")).image, kPictureTask);
+}
+
+TEST(TaskExplorer, UntickingGivesTheFormerStatusBack) {
+    TestProgram program;
+    program.Press(3);
+    ListView& list = program.window().lvwTasks;
+    const auto completeInDialog = [&] {
+        program.dialogs().ExpectDialog("frmTask", [](Dialog& dialog) {
+            auto& task = static_cast<frmTask&>(dialog);
+            task.cboStatus.UserSelect(int(TaskStatus::Completed));
+            task.cmdOK.UserClick();
+        });
+        ShowTaskDialog(program.window().ProjectState(), "t");
+    };
+    Task* task = program.project().Tasks().Add("t");
+    RefreshTasks(program.context());
+    for (const int status : {0, 2, 5, 7, -3}) {
+        task->Status = status;
+        list.UserCheck(0, true);
+        list.UserCheck(0, false);
+        EXPECT_EQ(task->Status, status);
+        if (task->Name.empty()) task->Name = "t";
+        completeInDialog();
+        EXPECT_TRUE(list.Row(0).checked);
+        list.UserCheck(0, false);
+        EXPECT_EQ(task->Status, status);
+    }
+    task->Status = int(TaskStatus::Completed);
+    task->FormerStatus.reset();
+    list.UserCheck(0, false);
+    EXPECT_EQ(task->Status, int(TaskStatus::NotStarted)) << "nobody knows of another";
+}
+
+TEST(TaskExplorer, ShowsAndKeepsWhatItCanNotName) {
+    TestProgram program;
+    program.Press(3);
+    Task* task = program.project().Tasks().Add("t");
+    task->Name = " odd ";
+    task->Priority = 9;
+    task->Status = -1;
+    task->AssociatedWith = "The cat";
+    for (const double due : {-20000.25, 0.5, 45000.75, 1e300}) {
+        task->CompleteBy = due;
+        RefreshTasks(program.context());
+        const ListRow row = program.window().lvwTasks.Row(0);
+        EXPECT_EQ(row.cells[1] + row.cells[2], "9-1");
+        EXPECT_NE(row.cells[4], "") << due;
+        program.dialogs().ExpectDialog("frmTask", [](Dialog& dialog) {
+            auto& shown = static_cast<frmTask&>(dialog);
+            EXPECT_EQ(shown.cboPriority.Text() + shown.cboStatus.Text(), "9-1");
+            shown.cmdOK.UserClick();
+            EXPECT_FALSE(shown.IsOpen());
+        });
+        ShowTaskDialog(program.window().ProjectState(), "t");
+        EXPECT_EQ(task->CompleteBy, due);
+    }
+    EXPECT_EQ(task->Name + task->AssociatedWith, " odd The cat");
+    EXPECT_EQ(task->Priority, 9);
+    EXPECT_EQ(task->Status, -1);
+}
+
+TEST(TaskExplorer, SelectsANewTask) {
+    TestProgram program;
+    program.Press(3);
+    ListView& list = program.window().lvwTasks;
+    for (const char* name : {"m", "a", "z"}) {
+        program.dialogs().ExpectDialog("frmTask", [name](Dialog& dialog) {
+            auto& task = static_cast<frmTask&>(dialog);
+            task.txtName.UserSetText(name);
+            task.cmdOK.UserClick();
+        });
+        program.Press(5);
+        if (list.Count() == 1) list.UserColumnClick(0);
+        ASSERT_GE(list.Selected(), 0) << name;
+        EXPECT_EQ(list.Row(list.Selected()).cells[0], name);
+    }
+    program.dialogs().ExpectDialog("frmTask", nullptr);
+    program.Press(5);
+    EXPECT_EQ(list.Row(list.Selected()).cells[0], "z") << "cancelled";
 }
 
 TEST(Explorers, HideWithTheirFrame) {

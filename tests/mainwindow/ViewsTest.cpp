@@ -1,9 +1,13 @@
 // The three views of a page and the rules by which one follows the other.
 #include <gtest/gtest.h>
 
+#include "editing/frmPage.h"
+#include "mainwindow/Pictures.h"
 #include "mainwindow/UIState.h"
 #include "platform/Text.h"
 #include "project/InsertPage.h"
+#include "project/Journal.h"
+#include "project/Pages.h"
 #include "support/TestProgram.h"
 
 namespace pw {
@@ -38,6 +42,14 @@ struct Views : testing::Test {
         const std::string text = box.Text();
         ASSERT_NE(text.find(from), std::string::npos) << text;
         box.UserType(ReplaceAll(text, from, to));
+    }
+    /** Types source that can't be a page, into the HTML view. */
+    void TypeRefusedSource() {
+        program.page().picViewTab_MouseUp(kHtml);
+        std::string deep;
+        for (int i = 0; i < 20000; ++i)
+            deep += "<div>";
+        TypeSource("<p><br></p>", "<p>Typed with care</p>" + deep);
     }
     TestProgram program;
     static constexpr int kNormal = 10;
@@ -120,6 +132,96 @@ TEST_F(Views, SavingTakesPendingSourceOver) {
     EXPECT_EQ(page.State(), View::Html);
     const Page* item = program.project().FindPage(page.PageKey());
     EXPECT_NE(ReadTextFile(program.frame().files, item->Filename).find("Saved"), std::string::npos);
+}
+
+TEST_F(Views, RefusedSourceIsToldOnceAndNeverLost) {
+    const std::string key = program.page().PageKey();
+    const std::string file = program.project().FindPage(key)->Filename;
+    program.dialogs().ExpectFile(program.frame().settings.ProjectsFolder + "\\site.pwp");
+    program.Press(7);
+    const std::string saved = ReadTextFile(program.frame().files, file);
+    TypeRefusedSource();
+    const std::string typed = program.pageSurface().source.Text();
+    struct Row {
+        const char* name;
+        std::function<void()> act;
+    };
+    const Row rows[] = {
+        {"the normal tab", [&] { program.page().SetToNormalEditMode(); }},
+        {"its window closed", [&] { EXPECT_FALSE(program.page().CloseWindow()); }},
+        {"saved", [&] { program.Press(7); }},
+        {"removed", [&] { EXPECT_FALSE(RemoveProjectItem(program.window().ProjectState(), key)); }},
+        {"cut",
+         [&] {
+             program.PressNode(key);
+             program.window().PaneFocused(Pane::ProjectExplorer);
+             program.Press(103);
+         }},
+        {"page properties", [&] { ShowPageProperties(program.window().ProjectState(), key); }},
+        {"all windows closed", [&] { program.Press(904); }},
+    };
+    for (const Row& row : rows) {
+        const std::size_t told = program.dialogs().Messages().size();
+        program.dialogs().ExpectMessage(Answer::Ok, "can not be used");
+        row.act();
+        EXPECT_EQ(program.dialogs().Messages().size(), told + 1) << row.name;
+        ASSERT_NE(program.window().FindOpenPage(key), nullptr) << row.name;
+        EXPECT_EQ(program.pageSurface().source.Text(), typed) << row.name;
+        EXPECT_TRUE(program.page().HasPendingSource()) << row.name;
+        EXPECT_EQ(ReadTextFile(program.frame().files, file), saved) << row.name;
+        EXPECT_TRUE(program.project().IsDirty) << row.name;
+    }
+    for (int i = 0; i < 5; ++i) {
+        program.outer.clock.seconds += 30;
+        JournalTick(program.window().ProjectState());
+    }
+    EXPECT_EQ(program.pageSurface().source.Text(), typed) << "the journal keeps quiet";
+    EXPECT_EQ(program.frame().errorLog.Count(), 1) << "the save alone";
+
+    program.pageSurface().source.UserType(ReplaceAll(typed, "<div>", ""));
+    program.Press(7);
+    EXPECT_NE(ReadTextFile(program.frame().files, file).find("Typed with care"), std::string::npos);
+}
+
+TEST_F(Views, ClosingCleansAsSavingDoes) {
+    frmDocument& page = program.page();
+    const Page* item = program.project().FindPage(page.PageKey());
+    const std::string picture = GetParentFolder(item->Filename) + "\\media\\a.gif";
+    ASSERT_EQ(program.frame().files.Write(picture, "GIF89a"), FileError::None);
+    const std::string address = "file://" + ReplaceAll(picture, "\\", "/");
+    page.Document().insertAdjacentHTML(*page.Document().body(), "beforeEnd",
+                                       "<img src=\"" + address + "\">");
+    EXPECT_TRUE(page.CloseWindow());
+    EXPECT_NE(ReadTextFile(program.frame().files, item->Filename).find("src=\"media/a.gif\""),
+              std::string::npos);
+}
+
+TEST_F(Views, TypedSourceMakesAFramePageAndBack) {
+    frmDocument& page = program.page();
+    Page* item = program.project().FindPage(page.PageKey());
+    page.picViewTab_MouseUp(kHtml);
+    const std::string plain = program.pageSurface().source.Text();
+    const std::string frames =
+        "<html><head><title>Frames</title></head>"
+        "<frameset cols=\"50%,*\"><frame src=\"a.htm\"></frameset></html>";
+    program.pageSurface().source.UserType(frames);
+    page.SetToNormalEditMode();
+    EXPECT_EQ(item->PageType, PageType::Frames);
+    EXPECT_EQ(item->Title, "Frames");
+    EXPECT_EQ(program.window().tvwProjectExplorer.Find(page.PageKey())->image, kPictureFramePage);
+    EXPECT_NE(page.Document().html().find("<!-- <frameset"), std::string::npos);
+    program.Press(101);
+    EXPECT_EQ(item->PageType, PageType::Ordinary) << "undone";
+    program.Press(102);
+    EXPECT_EQ(item->PageType, PageType::Frames) << "redone";
+    EXPECT_EQ(item->Title, "Frames");
+    page.picViewTab_MouseUp(kHtml);
+    EXPECT_EQ(program.pageSurface().source.Text(), frames);
+    program.pageSurface().source.UserType(plain);
+    page.CloseWindow();
+    EXPECT_EQ(item->PageType, PageType::Ordinary);
+    EXPECT_EQ(ReadTextFile(program.frame().files, item->Filename).find("frameset"),
+              std::string::npos);
 }
 
 TEST_F(Views, ABeginnerHasNoHtmlTab) {

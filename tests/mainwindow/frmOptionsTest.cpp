@@ -57,6 +57,33 @@ TEST(Options, WritesEverySettingAndReadsItBack) {
     check(program.frame().settings);
 }
 
+TEST(Options, SaysWhatCouldNotBeStored) {
+    TestProgram program;
+    test::RefusingHive& hive = *program.outer.hive;
+    hive.refused = {"Last Name", "Skill Level"};
+    program.dialogs().ExpectMessage(Answer::Ok,
+                                    "could not be stored and stay as they were: Last Name, Skill");
+    program.dialogs().ExpectMessage(Answer::Ok, "None of the options");
+    Edit(program, [&](frmOptions& dialog) {
+        dialog.txtFirstName.UserSetText("Bob");
+        dialog.txtLastName.UserSetText("Miller");
+        dialog.optSkillLevel[1].UserClick();
+        dialog.cmdOK.UserClick();
+        EXPECT_TRUE(dialog.IsOpen());
+        EXPECT_EQ(program.frame().settings.UserName(), "Bob");
+        EXPECT_EQ(program.frame().settings.SkillLevel, 2);
+        hive.refused.clear();
+        hive.refusesCommit = true;
+        dialog.cmdOK.UserClick();
+        EXPECT_TRUE(dialog.IsOpen());
+        EXPECT_EQ(program.frame().settings.SkillLevel, 2);
+        hive.refusesCommit = false;
+        dialog.cmdOK.UserClick();
+        EXPECT_FALSE(dialog.IsOpen());
+    });
+    EXPECT_EQ(program.frame().settings.UserName(), "Bob Miller");
+}
+
 TEST(Options, CancelWritesNothing) {
     TestProgram program;
     Edit(program, [](frmOptions& dialog) {

@@ -129,6 +129,17 @@ TEST(Folders, AreRenamedThroughTheirProperties) {
     test.dialogs.ExpectMessage(Answer::Yes);
     EditFolderProperties(test.context, folder->Key());
     EXPECT_EQ(folder->WorkingFolder, "Texts");
+
+    const std::string inTheWay = test.frame.settings.PreviewFolder + "\\Taken";
+    ASSERT_EQ(test.files->MakeFolder(inTheWay), FileError::None);
+    test.dialogs.ExpectMessage(Answer::Yes);
+    test.dialogs.ExpectMessage(Answer::Ok, "'Taken' already exists here");
+    test.dialogs.ExpectDialog("frmFolder", [&](Dialog& dialog) {
+        edit("Taken")(dialog);
+        EXPECT_TRUE(dialog.IsOpen()) << "nothing of it was done";
+    });
+    EditFolderProperties(test.context, folder->Key());
+    EXPECT_EQ(folder->WorkingFolder, "Texts");
 }
 
 }  // namespace

@@ -273,6 +273,7 @@ TEST(OpenProject, RefusesAFileThatAnotherProgramHasOpen) {
     const std::string before = test.folder.Get("one.pwp");
     test.Insert("mine");
     test.dialogs.ExpectFile(path);
+    test.dialogs.ExpectMessage(Answer::Yes, "already exists");
     test.dialogs.ExpectMessage(Answer::Ok, holder);
     EXPECT_FALSE(SaveProject(test.context, Proceed::Save, Silent::No));
     EXPECT_EQ(test.frame.settings.ProjectFilename, "");

@@ -26,15 +26,17 @@ TEST(SavePageAs, WritesThePageAndItsMedia) {
     EXPECT_NE(test.folder.Get("out\\copy.htm").find("<p>typed</p>"), std::string::npos);
     EXPECT_EQ(test.folder.Get("out\\media\\a.gif"), "GIF89a");
 
-    const std::string project = test.SaveAs("one.pwp");
-    const std::string bytes = test.folder.Get("one.pwp");
+    // A name that a page can have too.
+    const std::string project = test.SaveAs("one.htm");
+    const std::string bytes = test.folder.Get("one.htm");
     for (const std::string& wrong : {project, test.frame.settings.PreviewFolder + "\\x.htm",
                                      test.folder.Path("out\\keep.txt\\x.htm")}) {
         test.dialogs.ExpectFile(wrong);
+        if (wrong == project) test.dialogs.ExpectMessage(Answer::Yes, "already exists");
         test.dialogs.ExpectMessage(Answer::Ok, "can not be saved.");
         EXPECT_FALSE(SavePageAs(test.context)) << wrong;
     }
-    EXPECT_EQ(test.folder.Get("one.pwp"), bytes);
+    EXPECT_EQ(test.folder.Get("one.htm"), bytes);
 }
 
 TEST(WriteDOMToFile, WritesTheWholeDocument) {

@@ -28,5 +28,27 @@ TEST(CustInfo, IsDoneWhenAllThreeAreFilledAndIsKept) {
     EXPECT_EQ(outer.frame.settings.UserEmail, "ann@example.org");
 }
 
+TEST(CustInfo, SaysWhenItCanNotBeKept) {
+    test::TestContext outer;
+    outer.hive->refused = {"Last Name"};
+    outer.dialogs.ExpectDialog("frmCustInfo", [&](Dialog& dialog) {
+        auto& info = static_cast<frmCustInfo&>(dialog);
+        info.txtFName.UserSetText("Ann");
+        info.txtLName.UserSetText("Miller");
+        info.txtEmail.UserSetText("ann@example.org");
+        outer.dialogs.ExpectMessage(Answer::Ok, "could not be stored");
+        info.cmdDone.UserClick();
+        EXPECT_TRUE(info.IsOpen());
+        outer.hive->refused.clear();
+        outer.hive->refusesCommit = true;
+        outer.dialogs.ExpectMessage(Answer::Ok, "could not be stored");
+        info.cmdDone.UserClick();
+        EXPECT_TRUE(info.IsOpen());
+    });
+    frmCustInfo dialog(outer.frame);
+    outer.frame.dialogs.ShowModal(dialog);
+    EXPECT_EQ(outer.frame.settings.UserName(), "Ann Miller") << "as long as the program runs";
+}
+
 }  // namespace
 }  // namespace pw

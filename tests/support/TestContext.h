@@ -13,6 +13,7 @@
 #include "platform/headless/HeadlessDialogHost.h"
 #include "platform/headless/HeadlessMessageLoop.h"
 #include "platform/headless/MemoryClipboard.h"
+#include "support/RefusingHive.h"
 #include "support/TemporaryFolder.h"
 
 namespace pw::test {
@@ -53,7 +54,7 @@ struct TestContext {
 
     TemporaryFolder folder;
     std::unique_ptr<FileSystem> files = MakePosixFileSystem();
-    std::unique_ptr<SettingsHive> hive = MakeMemoryHive();
+    std::unique_ptr<RefusingHive> hive = std::make_unique<RefusingHive>();
     std::unique_ptr<SystemInfo> system = MakeSystemInfo();
     SettableClock clock;
     HeadlessMessageLoop loop;

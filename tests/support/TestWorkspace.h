@@ -34,7 +34,7 @@ class TestOpenPage : public OpenPage {
     void MarkClean() override { document->markClean(); }
     bool Capture(const std::string& path) override;
     void RefreshCaption() override { ++captions; }
-    void CloseWindow() override;
+    bool CloseWindow() override;
 
     std::string key;
     std::string filename;
@@ -142,8 +142,8 @@ inline bool TestOpenPage::Capture(const std::string& path) {
            workspace_.files.Write(path, workspace_.picture) == FileError::None;
 }
 
-inline void TestOpenPage::CloseWindow() {
-    if (refusesToClose) return;
+inline bool TestOpenPage::CloseWindow() {
+    if (refusesToClose) return false;
     workspace_.Note("CloseWindow", key);
     if (workspace_.files.Write(filename, document->bytes()) != FileError::None)
         workspace_.Note("CloseWindow failed", key);
@@ -151,6 +151,7 @@ inline void TestOpenPage::CloseWindow() {
     auto& pages = workspace_.pages;
     pages.erase(std::find_if(pages.begin(), pages.end(),
                              [this](const auto& page) { return page.get() == this; }));
+    return true;
 }
 
 }  // namespace pw::test

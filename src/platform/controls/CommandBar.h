@@ -55,8 +55,21 @@ class CommandBarObserver {
     virtual void PopUp(const Band& band) = 0;        ///< at the pointer
 };
 
-class CommandBar {
+class CommandBar : public EventSource {
   public:
+    /** `owner` answers for the failures of its handlers. */
+    explicit CommandBar(const ControlOwner* owner = nullptr) : owner_(owner) {}
+    CommandBar(const CommandBar&) = delete;
+    CommandBar& operator=(const CommandBar&) = delete;
+
+    FaultSink* Faults() const override { return owner_ ? owner_->Faults() : nullptr; }
+    std::string ModuleDot() const override {
+        return (owner_ ? owner_->ModuleName() : "CommandBar") + ".";
+    }
+    std::string ProcedureOf(const char* event) const override {
+        return std::string("barMain_") + event;
+    }
+
     /** Adds a tool once; a second time only fills what was empty. */
     Tool& AddTool(Tool tool);
     Band& AddBand(Band band);
@@ -92,15 +105,16 @@ class CommandBar {
     void PointerEnters(int number);
     void PointerLeaves();
 
-    Event<int> ToolClick;
-    Event<int> ComboChange;
-    Event<const std::string&> BandOpen;
-    Event<const std::string&> ToolbarClosed;
-    Event<int> MouseEnter;
-    Event<> MouseExit;
+    Event<int> ToolClick{this, "ToolClick"};
+    Event<int> ComboChange{this, "ComboChange"};
+    Event<const std::string&> BandOpen{this, "BandOpen"};
+    Event<const std::string&> ToolbarClosed{this, "ToolbarClosed"};
+    Event<int> MouseEnter{this, "MouseEnter"};
+    Event<> MouseExit{this, "MouseExit"};
     void SetObserver(CommandBarObserver* observer) { observer_ = observer; }
 
   private:
+    const ControlOwner* owner_;
     std::map<int, Tool> tools_;
     std::map<std::string, Band> bands_;
     std::vector<std::string> order_;

@@ -3,11 +3,27 @@
 namespace pw {
 
 Control::Control(ControlOwner* owner, std::string name, ControlKind kind)
-    : name_(std::move(name)), kind_(kind) {
+    : owner_(owner), name_(std::move(name)), kind_(kind) {
     owner->controls_.push_back(this);
 }
 
 Control::~Control() = default;
+
+FaultSink* Control::Faults() const {
+    return owner_->Faults();
+}
+
+std::string Control::ModuleDot() const {
+    return owner_->ModuleName() + ".";
+}
+
+std::string Control::ProcedureOf(const char* event) const {
+    // Controls of one name share their handlers.
+    const std::size_t number = name_.find_last_not_of("0123456789");
+    const bool isNumbered =
+        number != name_.npos && number + 1 < name_.size() && name_[number] == '_';
+    return name_.substr(0, isNumbered ? number : name_.npos) + "_" + event;
+}
 
 void Control::Notify(Aspect aspect) {
     if (observer_) observer_->ControlChanged(*this, aspect);

@@ -5,12 +5,17 @@
 // Text, check and combo models raise Change whenever their value changes, by program as by user.
 // Clicks, and the node and row events of trees and lists, come from the user alone: from the
 // functions that begin with "User", which the skin and the tests call.
+//
+// What a handler throws ends in the event that called it, where no other handler has caused that
+// event: it is logged under the handler's name, and the user is told.
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "platform/HandlerLevel.h"
 
 namespace pw {
 
@@ -61,12 +66,30 @@ enum class ControlKind {
     Splitter
 };
 
-class Control {
+/** Whatever raises events: a control, the command bar. */
+class EventSource {
+  public:
+    /** None: what a handler throws goes on to whoever raised the event. */
+    virtual FaultSink* Faults() const = 0;
+    /** Of the handlers: "Options.". */
+    virtual std::string ModuleDot() const = 0;
+    /** "cmdBrowse_Click" for the event "Click" of each of the buttons of that name. */
+    virtual std::string ProcedureOf(const char* event) const = 0;
+
+  protected:
+    ~EventSource() = default;
+};
+
+class Control : public EventSource {
   public:
     Control(ControlOwner* owner, std::string name, ControlKind kind);
     virtual ~Control();
     Control(const Control&) = delete;
     Control& operator=(const Control&) = delete;
+
+    FaultSink* Faults() const override;
+    std::string ModuleDot() const override;
+    std::string ProcedureOf(const char* event) const override;
 
     const std::string& Name() const { return name_; }
     ControlKind Kind() const { return kind_; }
@@ -91,6 +114,7 @@ class Control {
     void Notify(Aspect aspect);
 
   private:
+    ControlOwner* owner_;
     std::string name_;
     ControlKind kind_;
     bool enabled_ = true;
@@ -103,17 +127,32 @@ class Control {
 template <typename... Args>
 class Event {
   public:
+    /** A member of its source, `name` that of the member. */
+    Event(const EventSource* source, const char* name) : source_(source), name_(name) {}
+    Event(const Event&) = delete;
+    Event& operator=(const Event&) = delete;
+
     template <typename Handler>
     Event& operator=(Handler handler) {
         handler_ = std::move(handler);
         return *this;
     }
     void operator()(Args... args) const {
-        if (handler_) handler_(std::forward<Args>(args)...);
+        if (!handler_) return;
+        const HandlerScope scope;
+        FaultSink* faults = scope.IsOutermost() ? source_->Faults() : nullptr;
+        if (!faults) return handler_(std::forward<Args>(args)...);
+        try {
+            handler_(std::forward<Args>(args)...);
+        } catch (...) {
+            faults->HandlerFailed(source_->ModuleDot(), source_->ProcedureOf(name_));
+        }
     }
     explicit operator bool() const { return bool(handler_); }
 
   private:
+    const EventSource* source_;
+    const char* name_;
     std::function<void(Args...)> handler_;
 };
 
@@ -124,9 +163,15 @@ class ControlOwner {
     const std::vector<Control*>& Controls() const { return controls_; }
     Control* Find(const std::string& name) const;
 
+    /** Of its handlers, as the error log names them. */
+    virtual std::string ModuleName() const { return "Controls"; }
+    FaultSink* Faults() const { return faults_; }
+    void SetFaults(FaultSink* faults) { faults_ = faults; }
+
   private:
     friend class Control;
     std::vector<Control*> controls_;
+    FaultSink* faults_ = nullptr;
 };
 
 /** Controls of one name, numbered from 0: `txtVersion[1]` is named "txtVersion_1". */

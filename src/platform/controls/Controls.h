@@ -31,7 +31,7 @@ class Button : public Control {
   public:
     Button(ControlOwner* owner, std::string name)
         : Control(owner, std::move(name), ControlKind::Button) {}
-    Event<> Click;
+    Event<> Click{this, "Click"};
     /** A press by the user; nothing happens while disabled or hidden. */
     void UserClick() {
         if (Enabled() && Visible()) Click();
@@ -61,10 +61,10 @@ class TextBox : public Control {
         selLength_ = length;
     }
 
-    Event<> Change;
-    Event<> LostFocus;
+    Event<> Change{this, "Change"};
+    Event<> LostFocus{this, "LostFocus"};
     /** May set the code to 0 to refuse the character. Codes are Unicode, 8 is backspace. */
-    Event<int&> KeyPress;
+    Event<int&> KeyPress{this, "KeyPress"};
     /** Typing or pasting by the user: each character passes KeyPress; what is refused is left out.
      */
     void UserSetText(const std::string& text);
@@ -83,8 +83,8 @@ class CheckBox : public Control {
         : Control(owner, std::move(name), ControlKind::CheckBox) {}
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);
-    Event<> Change;
-    Event<> Click;
+    Event<> Change{this, "Change"};
+    Event<> Click{this, "Click"};
     void UserSetChecked(bool checked);
 
   private:
@@ -98,8 +98,8 @@ class OptionButton : public Control {
     bool Checked() const { return checked_; }
     void SetChecked(bool checked);
     std::string group;  ///< default: the name without its number
-    Event<> Change;
-    Event<> Click;
+    Event<> Change{this, "Change"};
+    Event<> Click{this, "Click"};
     void UserClick();
 
   private:
@@ -123,7 +123,7 @@ class ComboBox : public Control {
     /** Chooses the item of that text. Else an editable box keeps it as typed text; another one
      *  chooses the item that differs in case alone, or none. */
     void SetText(const std::string& text);
-    Event<> Change;
+    Event<> Change{this, "Change"};
     void UserSelect(int index) {
         if (Enabled()) SetListIndex(index);
     }
@@ -147,7 +147,7 @@ class UpDown : public Control {
     void SetValue(int value);
     int minimum = 0;
     int maximum = 100;
-    Event<> Change;
+    Event<> Change{this, "Change"};
 
   private:
     int value_ = 0;
@@ -161,7 +161,7 @@ class DatePicker : public Control {
     /** A day count from 1899-12-30; 0 is no date. */
     double Value() const { return value_; }
     void SetValue(double value);
-    Event<> Change;
+    Event<> Change{this, "Change"};
 
   private:
     double value_ = 0;
@@ -185,8 +185,8 @@ class ColorBox : public Control {
         : Control(owner, std::move(name), ControlKind::ColorBox) {}
     Color Value() const { return value_; }
     void SetValue(Color value);
-    Event<> Change;
-    Event<> Click;
+    Event<> Change{this, "Change"};
+    Event<> Click{this, "Click"};
     void UserClick() {
         if (Enabled() && Visible()) Click();
     }
@@ -213,7 +213,7 @@ class TabStrip : public Control {
         : Control(owner, std::move(name), ControlKind::TabStrip) {}
     int Selected() const { return selected_; }
     void SetSelected(int index);
-    Event<> Click;
+    Event<> Click{this, "Click"};
     void UserSelect(int index);
 
   private:
@@ -261,12 +261,12 @@ class ListView : public Control {
     void SortAgain();
     int SortColumn() const { return sortColumn_; }  ///< -1: as they were added
     bool SortDescending() const { return descending_; }
-    Event<int> ItemClick;
-    Event<> DblClick;
-    Event<int> ColumnClick;
-    Event<int> ItemCheck;
-    Event<bool> MouseDown;  ///< true: the right button
-    Event<bool> MouseUp;
+    Event<int> ItemClick{this, "ItemClick"};
+    Event<> DblClick{this, "DblClick"};
+    Event<int> ColumnClick{this, "ColumnClick"};
+    Event<int> ItemCheck{this, "ItemCheck"};
+    Event<bool> MouseDown{this, "MouseDown"};  ///< true: the right button
+    Event<bool> MouseUp{this, "MouseUp"};
     void UserSelect(int index);
     void UserCheck(int index, bool checked);
     /** A press on the heading sorts, unless the logic does something else there. */
@@ -341,11 +341,11 @@ class TreeView : public Control {
     /** By program: no event. "" selects none. Shown and scrolled to by the skin. */
     void SetSelected(const std::string& key);
 
-    Event<TreeNode&> NodeClick;
-    Event<> DblClick;
-    Event<bool> MouseDown;  ///< true: the right button
-    Event<bool> MouseUp;
-    Event<TreeNode&> ExpandedChanged;
+    Event<TreeNode&> NodeClick{this, "NodeClick"};
+    Event<> DblClick{this, "DblClick"};
+    Event<bool> MouseDown{this, "MouseDown"};  ///< true: the right button
+    Event<bool> MouseUp{this, "MouseUp"};
+    Event<TreeNode&> ExpandedChanged{this, "ExpandedChanged"};
     void UserSelect(const std::string& key);
     void UserExpand(TreeNode& node, bool expanded);
     void SetTreeObserver(TreeObserver* observer) { treeObserver_ = observer; }

@@ -16,6 +16,10 @@ class Dialog : public ControlOwner {
         : name_(std::move(name)), title_(std::move(title)) {}
 
     const std::string& FormName() const { return name_; }
+    /** The form's name without its "frm". */
+    std::string ModuleName() const override {
+        return name_.substr(name_.starts_with("frm") ? 3 : 0);
+    }
     const std::string& Title() const { return title_; }
     void SetTitle(std::string title);
     int helpTopic = 0;  ///< shown by F1; 0: the contents

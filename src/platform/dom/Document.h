@@ -17,6 +17,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/HandlerLevel.h"
 #include "platform/dom/Encoding.h"
 #include "platform/dom/Node.h"
 
@@ -76,9 +77,9 @@ class DocumentObserver {
     virtual void historyChanged() {}
 };
 
-/** Kinds of undo step. Consecutive typing of one kind merges into one step. Upkeep is no step of the
- *  user's: what a change of the whole project (a page renamed, a variable changed) does to this page.
- *  Undo and redo pass through it and leave the page up to date; see `setUpkeep`. */
+/** Kinds of undo step. Consecutive typing of one kind merges into one step. Upkeep is no step of
+ * the user's: what a change of the whole project (a page renamed, a variable changed) does to this
+ * page. Undo and redo pass through it and leave the page up to date; see `setUpkeep`. */
 enum class StepKind { Command, Typing, Deleting, Upkeep };
 
 struct ParseError {
@@ -197,13 +198,14 @@ class Document {
         ~Step();
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
-        /** Takes back what was done since this step began, the selection too; nothing of it stays for
-         *  undo or redo. The step is still open afterwards and may be filled anew. */
+        /** Takes back what was done since this step began, the selection too; nothing of it stays
+         * for undo or redo. The step is still open afterwards and may be filled anew. */
         void rollBack();
 
       private:
         Document& document_;
         Selection before_;
+        StepScope scope_;    // nobody swallows an exception that it has to see
         std::size_t begin_;  ///< number of primitives of the outermost step at its start
         int exceptions_;     ///< in flight at its start
     };
@@ -211,8 +213,8 @@ class Document {
     bool canRedo() const;
     bool undo();
     bool redo();
-    /** Called within each undo and redo: what these bring back can be older than the project, and is
-     *  brought up to date with it. The changes of the call belong to the undo or redo. */
+    /** Called within each undo and redo: what these bring back can be older than the project, and
+     * is brought up to date with it. The changes of the call belong to the undo or redo. */
     void setUpkeep(std::function<void(Document&)> upkeep);
     /** Ends the merging of typing: the next change starts a step of its own. */
     void sealStep();

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "platform/HandlerLevel.h"
 #include "platform/controls/Dialog.h"
 
 namespace pw {
@@ -16,6 +17,18 @@ std::optional<T> Take(std::deque<T>& queue) {
     queue.pop_front();
     return first;
 }
+
+/** Counts a question for as long as it is up. */
+class CountedUp {
+  public:
+    explicit CountedUp(int& count) : count_(count) { ++count_; }
+    ~CountedUp() { --count_; }
+    CountedUp(const CountedUp&) = delete;
+    CountedUp& operator=(const CountedUp&) = delete;
+
+  private:
+    int& count_;
+};
 
 }  // namespace
 
@@ -50,22 +63,24 @@ std::size_t HeadlessDialogHost::Pending() const {
 }
 
 void HeadlessDialogHost::ShowModal(Dialog& dialog) {
-    ++open_;
+    const CountedUp up(open_);
+    dialog.SetFaults(Faults());
     dialog.SetOpen(true);
     dialog.Form_Load();
     if (!dialogs_.empty() && dialogs_.front().form == dialog.FormName()) {
         const auto scripted = Take(dialogs_);
+        const EventRound round;
         if (scripted->act) scripted->act(dialog);
     } else {
         onUnscripted_("dialog " + dialog.FormName() + " '" + dialog.Title() + "'");
     }
     if (dialog.IsOpen()) dialog.Close();
     dialog.Form_Unload();
-    --open_;
 }
 
 void HeadlessDialogHost::Show(Dialog& dialog) {
     if (dialog.IsOpen()) return;
+    dialog.SetFaults(Faults());
     dialog.SetOpen(true);
     dialog.onClose = [&dialog] {
         dialog.onClose = nullptr;
@@ -74,6 +89,7 @@ void HeadlessDialogHost::Show(Dialog& dialog) {
     dialog.Form_Load();
     if (dialogs_.empty() || dialogs_.front().form != dialog.FormName()) return;
     const auto scripted = Take(dialogs_);
+    const EventRound round;
     if (scripted->act) scripted->act(dialog);
 }
 

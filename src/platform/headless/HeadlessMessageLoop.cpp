@@ -3,12 +3,15 @@
 #include <chrono>
 #include <thread>
 
+#include "platform/HandlerLevel.h"
+
 namespace pw {
 
 bool HeadlessMessageLoop::RunOne() {
     if (tasks_.empty()) return false;
     const auto task = std::move(tasks_.front());
     tasks_.pop_front();
+    const EventRound round;
     task();
     return true;
 }

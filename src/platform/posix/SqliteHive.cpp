@@ -229,10 +229,17 @@ class SqliteHive : public SettingsHive {
     }
 
     void Begin() override {
-        if (depth_++ == 0) Execute("BEGIN IMMEDIATE");
+        if (depth_++ == 0) isBatch_ = Execute("BEGIN IMMEDIATE") == SQLITE_OK;
     }
-    void Commit() override {
-        if (depth_ > 0 && --depth_ == 0) Execute("COMMIT");
+    bool Commit() override {
+        if (depth_ == 0 || --depth_ > 0) return true;
+        // Where it could not begin, each write has been kept or refused by itself.
+        if (!isBatch_) return true;
+        isBatch_ = false;
+        // On a full disk SQLite has taken back everything by itself, and knows of no batch.
+        if (Execute("COMMIT") == SQLITE_OK) return true;
+        Execute("ROLLBACK");
+        return false;
     }
 
   private:
@@ -260,6 +267,7 @@ class SqliteHive : public SettingsHive {
     MachineTable machine_;
     sqlite3* database_ = nullptr;
     int depth_ = 0;
+    bool isBatch_ = false;
 };
 
 bool IsDamage(int code) {

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QButtonGroup>
+#include <QCalendarWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -263,17 +264,27 @@ class UpDownBinding : public Binding {
     QSpinBox* box_;
 };
 
-/** The first date that the widget knows stands for none, and is shown as an empty field. */
+/** The first date that the widget knows stands for none, and is shown as an empty field. It lies
+ *  before any that a task can have: each other day is shown as it is, and only the user changes it.
+ */
 class DateBinding : public Binding {
   public:
     DateBinding(Control& control, QWidget& widget)
         : Binding(control, widget),
           model_(static_cast<DatePicker&>(control)),
           box_(qobject_cast<QDateEdit*>(&widget)) {
-        box_->setMinimumDate(dayZero());
+        box_->setDateRange(noDay(), QDate(9999, 12, 31));
         box_->setSpecialValueText(QStringLiteral(" "));
+        // A year of two digits could be of any century.
+        QString format = box_->displayFormat();
+        if (!format.contains(QLatin1String("yyyy")))
+            box_->setDisplayFormat(format.replace(QLatin1String("yy"), QLatin1String("yyyy")));
+        if (QCalendarWidget* calendar = box_->calendarWidget()) calendar->installEventFilter(this);
         connect(box_, &QDateEdit::dateChanged, this, [this](QDate date) {
-            if (!showing()) model_.SetValue(double(dayZero().daysTo(date)));
+            if (showing()) return;
+            // From no day at all a step leads to today.
+            if (model_.Value() == 0 && date.year() < 1000) date = QDate::currentDate();
+            model_.SetValue(date == noDay() ? 0.0 : double(dayZero().daysTo(date)));
         });
     }
     static bool fits(const QWidget& widget) {
@@ -281,10 +292,23 @@ class DateBinding : public Binding {
     }
 
   protected:
-    void show(Aspect) override { box_->setDate(dayZero().addDays(qint64(model_.Value()))); }
+    void show(Aspect) override {
+        const double first = double(dayZero().daysTo(noDay().addDays(1)));
+        const double last = double(dayZero().daysTo(box_->maximumDate()));
+        const double day = qBound(first, model_.Value(), last);
+        box_->setDate(model_.Value() == 0 ? noDay() : dayZero().addDays(qint64(day)));
+    }
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Show && model_.Value() == 0) {
+            const QDate today = QDate::currentDate();
+            box_->calendarWidget()->setCurrentPage(today.year(), today.month());
+        }
+        return Binding::eventFilter(watched, event);
+    }
 
   private:
     static QDate dayZero() { return {1899, 12, 30}; }
+    static QDate noDay() { return {100, 1, 1}; }
     DatePicker& model_;
     QDateEdit* box_;
 };

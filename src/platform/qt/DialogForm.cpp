@@ -6,6 +6,7 @@
 
 #include <stdexcept>
 
+#include "platform/HandlerLevel.h"
 #include "platform/qt/QtText.h"
 
 namespace pw {
@@ -114,6 +115,7 @@ void DialogForm::run() {
     // Form_Load may have changed its mind about being shown.
     if (dialog_.IsOpen()) {
         chooseFocus();
+        const EventRound round;
         window_->exec();
     }
     dialog_.SetOpen(false);

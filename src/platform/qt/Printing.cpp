@@ -9,6 +9,7 @@
 #include <QWebEngineView>
 #include <optional>
 
+#include "platform/HandlerLevel.h"
 #include "platform/qt/QtMessageLoop.h"
 
 namespace pw {
@@ -47,6 +48,7 @@ std::unique_ptr<QPrinter> askForPrinter(const QString& title, QWidget* parent) {
     // The name of a PDF file is made from it.
     printer->setDocName(QString(title).replace(QLatin1Char('/'), QLatin1Char('-')));
     QPrintDialog dialog(printer.get(), parent);
+    const EventRound round;
     return dialog.exec() == QDialog::Accepted ? std::move(printer) : nullptr;
 }
 

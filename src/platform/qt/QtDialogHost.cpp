@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include "platform/HandlerLevel.h"
 #include "platform/controls/Dialog.h"
 #include "platform/qt/ColorButton.h"
 #include "platform/qt/DialogForm.h"
@@ -30,6 +31,13 @@ class Up {
 
   private:
     int& count_;
+};
+
+/** A question of the system's own: it has no handlers of ours, but lets events through. */
+struct SystemQuestion {
+    explicit SystemQuestion(int& count) : up(count) {}
+    Up up;
+    EventRound round;
 };
 
 /** Without a desktop there is no dialog of the desktop's to use. */
@@ -103,7 +111,6 @@ void prepare(QFileDialog& dialog, const FileQuestion& question) {
     dialog.setOption(QFileDialog::DontUseNativeDialog, ownDialogs());
     const QStringList filters = nameFilters(question.filter);
     if (!filters.isEmpty()) dialog.setNameFilters(filters);
-    dialog.setDefaultSuffix(toQt(question.defaultExtension));
     if (question.initialPath.empty()) return;
     const QFileInfo initial(toNativeQt(question.initialPath));
     const QString folder = initial.isDir() ? initial.filePath() : initial.path();
@@ -149,6 +156,7 @@ QWidget* QtDialogHost::owner() const {
 }
 
 void QtDialogHost::ShowModal(Dialog& dialog) {
+    dialog.SetFaults(Faults());
     const Up up(open_);
     DialogForm form(dialog, owner(), help_);
     form.run();
@@ -158,13 +166,14 @@ void QtDialogHost::Show(Dialog& dialog) {
     const auto isOfDialog = [&dialog](const auto& form) { return &form->dialog() == &dialog; };
     const auto open = std::find_if(shown_.begin(), shown_.end(), isOfDialog);
     if (open != shown_.end()) return (*open)->bringToFront();
+    dialog.SetFaults(Faults());
     QWidget* main = parent_ && parent_->isVisible() ? parent_ : nullptr;
     DialogForm& form = *shown_.emplace_back(std::make_unique<DialogForm>(dialog, main, help_));
     form.show([this, isOfDialog] { std::erase_if(shown_, isOfDialog); });
 }
 
 Answer QtDialogHost::MsgBox(const Message& message) {
-    const Up up(open_);
+    const SystemQuestion asked(open_);
     const ButtonSet* set = &buttonSets[0];
     for (const ButtonSet& candidate : buttonSets) {
         if (candidate.buttons == message.buttons) set = &candidate;
@@ -192,25 +201,28 @@ Answer QtDialogHost::MsgBox(const Message& message) {
 }
 
 std::string QtDialogHost::OpenFile(const FileQuestion& question) {
-    const Up up(open_);
+    const SystemQuestion asked(open_);
     QFileDialog dialog(owner());
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
     prepare(dialog, question);
+    dialog.setDefaultSuffix(toQt(question.defaultExtension));
     return chosenFile(dialog);
 }
 
 std::string QtDialogHost::SaveFile(const FileQuestion& question) {
-    const Up up(open_);
+    const SystemQuestion asked(open_);
     QFileDialog dialog(owner());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
+    // What is asked about is the name that will be written, which is not yet known here.
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
     prepare(dialog, question);
     return chosenFile(dialog);
 }
 
 std::string QtDialogHost::BrowseFolder(const std::string& title, const std::string& initial) {
-    const Up up(open_);
+    const SystemQuestion asked(open_);
     QFileDialog dialog(owner());
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
@@ -221,7 +233,7 @@ std::string QtDialogHost::BrowseFolder(const std::string& title, const std::stri
 }
 
 std::optional<Color> QtDialogHost::PickColor(const std::string& title, Color initial) {
-    const Up up(open_);
+    const SystemQuestion asked(open_);
     QColorDialog dialog(toQColor(initial), owner());
     dialog.setWindowTitle(toQt(title));
     dialog.setOption(QColorDialog::DontUseNativeDialog, ownDialogs());

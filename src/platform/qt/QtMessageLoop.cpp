@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include "platform/HandlerLevel.h"
+
 namespace pw {
 
 void sleepForEvents(const std::function<bool()>& done, QEventLoop::ProcessEventsFlags flags) {
@@ -14,6 +16,7 @@ void sleepForEvents(const std::function<bool()>& done, QEventLoop::ProcessEvents
 
 void QtMessageLoop::WaitUntil(const std::function<bool()>& condition) {
     if (condition()) return;
+    const EventRound round;
     // A condition may hang on the clock alone; a slow pulse lets it be seen.
     QTimer pulse;
     pulse.start(100);
@@ -23,6 +26,7 @@ void QtMessageLoop::WaitUntil(const std::function<bool()>& condition) {
 }
 
 void QtMessageLoop::ProcessEvents() {
+    const EventRound round;
     QCoreApplication::processEvents();
 }
 

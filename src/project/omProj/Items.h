@@ -1,6 +1,7 @@
 #pragma once
 // The small things that a project and its pages hold: files, variables, tasks, records.
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
 
@@ -108,6 +109,8 @@ struct Task {
     std::string AssignedTo;
     int Priority = 1;  ///< 0 low, 1 normal, 2 high
     int Status = 0;    ///< 0 unknown to 5 deferred
+    /** Before it was completed, for as long as the project is open; none where nobody knows. */
+    std::optional<int> FormerStatus;
     DateTime CompleteBy = 0;
     bool PublishingDependent = false;
     DateTime Created = 0;
