@@ -72,6 +72,8 @@ void EditInProjectExplorer(MainContext& context, int tool) {
                 context.model.IsDirty = true;
                 RefillProjectExplorer(context);
                 context.window.SelectProjectNode(page->Key());
+                // Links that could not follow.
+                if (!reason.empty()) Refuse(context, reason, "");
             } else {
                 Refuse(context, "The page can not be pasted.", reason);
             }

@@ -7,6 +7,7 @@
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "project/Journal.h"
+#include "project/Links.h"
 #include "project/Paths.h"
 #include "project/Workspace.h"
 #include "project/frmFolder.h"
@@ -234,6 +235,12 @@ bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::stri
         MoveFiles(context, from, to);
         context.project.IsDirty = true;
         JournalFilesMoved(context);
+        if (from != to) {
+            context.moves.push_back({from, to});
+            const LinkUpdate links =
+                UpdateFollowing(context, context.moves.back(), Follow::AllReferences);
+            Tell(reason, links.ProblemText("folder"));
+        }
         return true;
     });
 }
@@ -256,9 +263,10 @@ void EditFolderProperties(ProjectContext& context, std::string_view key) {
         } else if (context.frame.dialogs.MsgBox(question) == Answer::Yes) {
             if (RenameFolderOnDisk(context, *folder, name, &reason)) {
                 folder->Description = dialog.Description();
-            } else {
-                context.frame.dialogs.MsgBox({reason, "Folder", Icon::Exclamation, Buttons::Ok});
             }
+            // Why not, or which links could not follow.
+            if (!reason.empty())
+                context.frame.dialogs.MsgBox({reason, "Folder", Icon::Exclamation, Buttons::Ok});
         }
     }
     context.workspace.RefillProjectExplorer();

@@ -3,9 +3,11 @@
 // this by reference; the error log knows them under "ProjectFunctions.".
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/posix/ProjectLock.h"
 #include "project/JournalState.h"
+#include "project/References.h"
 
 namespace pw {
 
@@ -28,9 +30,14 @@ struct ProjectContext {
     struct CopiedPage {
         std::string file;  ///< path of a copy that stays until the next one is taken
         std::string title;
-        std::string folder;  ///< where the page lay: what its references are relative to
+        std::string folder;   ///< where the page lay: what its references are relative to
+        std::string cutFrom;  ///< path of a page that was cut, until it is pasted
         bool empty() const { return file.empty(); }
     } copiedPage;
+
+    /** Pages and folders that have got another name or place since the project was opened, in turn:
+     *  what an undo brings back in an open page can be older. */
+    std::vector<Move> moves;
 
     /** On the file of the open project; none for one that was never saved. */
     std::unique_ptr<ProjectLock> lock;
