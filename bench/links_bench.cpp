@@ -4,6 +4,7 @@
 
 #include "ProjectBench.h"
 #include "cli/Session.h"
+#include "project/Folders.h"
 #include "project/LinkList.h"
 #include "project/Links.h"
 #include "project/MergeVariables.h"
@@ -34,6 +35,8 @@ std::string Html(int page, std::mt19937& random) {
     if (isSpecial) {
         html += std::string("<p><a href=\"") + (page < kPages / kFolders ? "" : "../") +
                 "target.htm\">The target</a></p>\n";
+        html += std::string("<p style=\"background: url(") + (page < kPages / kFolders ? "" : "../") +
+                "section1/media/a.gif)\"></p>\n";
         html += "<p><A type=omMerge name=\"Slogan\">slogan 0</A></p>\n";
     }
     int paragraph = 0;
@@ -76,7 +79,9 @@ int main() {
     Shell("cp -r " + scratch + " " + copy.string());
     Require(pw::SetCustomVariable(context, "Slogan", "slogan 0").empty(), "No variable.");
 
-    std::vector<double> rename, renameRival, variable, variableRival, list, listRival;
+    pw::Folder* folder = context.project.WebSites().Item(1)->Sections().Item(1);
+    std::string folderName = folder->Name;
+    std::vector<double> rename, renameRival, move, moveRival, variable, variableRival, list, listRival;
     std::string name = "target";
     for (int round = 1; round <= kRounds; ++round) {
         const std::string number = std::to_string(round);
@@ -91,6 +96,17 @@ int main() {
             Shell(PerlOver(copy, "s/\\b" + name + "\\.htm/other" + number + ".htm/gi"));
         }));
         name = "other" + number;
+
+        move.push_back(Seconds([&] {
+            std::string reason;
+            Require(pw::RenameFolderOnDisk(context, *folder, "part" + number, &reason), reason);
+            Require(reason.empty(), reason);
+        }));
+        moveRival.push_back(Seconds([&] {
+            Shell("mv " + (copy / folderName).string() + " " + (copy / ("part" + number)).string());
+            Shell(PerlOver(copy, "s#\\b" + folderName + "/#part" + number + "/#gi"));
+        }));
+        folderName = "part" + number;
 
         Require(pw::SetCustomVariable(context, "Slogan", "slogan " + number).empty(), "");
         variable.push_back(Seconds([&] {
@@ -115,6 +131,8 @@ int main() {
     Shell("diff -rq " + scratch + " " + copy.string() + " >&2");
     Row("rename a page, 100 of 10,000 link to it : perl -pi", Median(rename) * 1000,
         Median(renameRival) * 1000, "ms", 0.5);
+    Row("rename a folder, 100 of 10,000 lead through it : perl -pi", Median(move) * 1000,
+        Median(moveRival) * 1000, "ms", 0.5);
     Row("change a variable used in 100 of 10,000 pages : perl -pi", Median(variable) * 1000,
         Median(variableRival) * 1000, "ms", 0.5);
     Row("list all links of 10,000 pages : grep -o", Median(list) * 1000, Median(listRival) * 1000,

@@ -104,14 +104,17 @@ const std::vector<Command>& Commands() {
          {{"--json", nullptr, kJsonHelp}},
          RunVariable},
         {"rename",
-         "PROJECT.pwp KEY NEWNAME [--title]",
+         "PROJECT.pwp KEY NEWNAME [--title] [--keep-bookmarks]",
          "Give the file of a page, or a folder, another name.",
-         "All links in the project that lead to a page follow it. A name without an extension "
-         "gets\n"
-         ".htm. A folder is renamed on disk too, which can break links that lead into it.\n",
+         "All links in the project that lead to a page follow it; those to a bookmark in it lead\n"
+         "to the page itself then, and how many did so is printed. A name without an extension\n"
+         "gets .htm. A folder is renamed on disk too, and every reference that leads through it\n"
+         "follows.\n",
          3,
          3,
-         {{"--title", nullptr, "change the title of a page and leave its file alone"}},
+         {{"--title", nullptr, "change the title of a page and leave its file alone"},
+          {"--keep-bookmarks", nullptr,
+           "links must mean the very file, and keep their bookmarks and queries"}},
          RunRename},
         {"remove",
          "PROJECT.pwp KEY...",

@@ -89,10 +89,7 @@ void GiveTitle(Session& session, Page& page, const std::string& title) {
 }
 
 /** All or nothing: the project is saved when all links could follow. */
-void RenamePageFile(Session& session, Page& page, const std::string& name) {
-    const std::string file = GetExtension(name).empty() ? name + ".htm" : name;
-    std::string reason;
-    const bool isRenamed = RenamePage(session.Context(), page, file, &reason);
+void RequireRenamed(bool isRenamed, const std::string& reason) {
     if (isRenamed && reason.empty()) return;
     const std::string statement = reason.substr(0, reason.find("\n\n"));
     throw CommandFailure{isRenamed ? statement + " Nothing was changed." : statement};
@@ -112,6 +109,15 @@ void PrintLeftOut(const std::vector<LeftOutFile>& leftOut) {
                                      [](const LeftOutFile& file) { return file.mayBeOffered; });
     if (canHelp)
         std::cerr << "To take such files along, name their folder with --with-files-from.\n";
+}
+
+/** Returns how many links lost their bookmark, as a sentence. */
+std::string RenamePageFile(Session& session, Page& page, const std::string& name) {
+    const std::string file = GetExtension(name).empty() ? name + ".htm" : name;
+    std::string reason;
+    LinkUpdate links;
+    RequireRenamed(RenamePage(session.Context(), page, file, &reason, &links), reason);
+    return links.LossText();
 }
 
 const char* StateText(LinkState state) {
@@ -193,21 +199,24 @@ void RunRename(const Invocation& invocation) {
     const std::string name = Trim(invocation.Rest().back());
     if (name.empty()) throw UsageError{"The new name is empty."};
     Session session(invocation.profile);
+    if (invocation.arguments.Has("--keep-bookmarks"))
+        session.Context().frame.settings.KeepBookmarks = true;
+    std::string told;
     const ProjectItem item = OpenItem(session, invocation, invocation.Rest().front());
     if (item.folder) {
         std::string reason;
-        if (!RenameFolderOnDisk(session.Context(), *item.folder, name, &reason))
-            throw CommandFailure{reason};
+        RequireRenamed(RenameFolderOnDisk(session.Context(), *item.folder, name, &reason), reason);
     } else if (item.page) {
         if (invocation.arguments.Has("--title")) {
             GiveTitle(session, *item.page, name);
         } else {
-            RenamePageFile(session, *item.page, name);
+            told = RenamePageFile(session, *item.page, name);
         }
     } else {
         throw CommandFailure{"Only folders and pages can be renamed."};
     }
     session.Save();
+    if (!told.empty()) std::cout << told << "\n";
 }
 
 void RunRemove(const Invocation& invocation) {

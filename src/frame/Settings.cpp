@@ -69,6 +69,7 @@ void ReadProject(Settings& settings, const Section& project) {
     settings.ConnectionSpeed = std::clamp(project.Number("Connection Speed"), 1, 8);
     settings.DownloadTime = project.AtLeast(1, "Download Time", 60);
     settings.ShowCommentsInExplorer = project.Flag("Show Comments In Explorer");
+    settings.KeepBookmarks = project.Flag("Keep Bookmarks");
     settings.GridHorizontal = project.AtLeast(1, "Grid Horizontal", 50);
     settings.GridVertical = project.AtLeast(1, "Grid Vertical", 50);
 }

@@ -62,6 +62,7 @@ class Settings {
     std::int32_t ConnectionSpeed = 0;
     std::int32_t DownloadTime = 0;  ///< seconds
     bool ShowCommentsInExplorer = false;
+    bool KeepBookmarks = false;       ///< of links to a page that gets another name
     std::int32_t GridHorizontal = 0;  ///< pixels
     std::int32_t GridVertical = 0;
 

@@ -92,6 +92,8 @@ void EditInProjectExplorer(MainContext& context, int tool) {
                 context.model.IsDirty = true;
                 RefillProjectExplorer(context);
                 context.window.SelectProjectNode(page->Key());
+                // Links that could not follow.
+                if (!reason.empty()) Refuse(context, reason, "");
             } else {
                 Refuse(context, "The page can not be pasted.", reason);
             }
@@ -99,10 +101,9 @@ void EditInProjectExplorer(MainContext& context, int tool) {
         }
         case kDelete: {
             if (!MayDelete(context)) break;
-            std::string reason;
             if (RemoveProjectItem(context.project, key, nullptr, &reason)) {
                 AfterRemoval(context);
-            } else {
+            } else if (!reason.empty()) {
                 Refuse(context, "It can not be removed.", reason);
             }
             break;

@@ -77,6 +77,7 @@ frmOptions::frmOptions(MainContext& context)
     checks_ = {{&chkAutoSave, &S::AutoSave, "General", "AutoSave"},
                {&chkShowCommentsInExplorer, &S::ShowCommentsInExplorer, "Project",
                 "Show Comments In Explorer"},
+               {&chkKeepBookmarks, &S::KeepBookmarks, "Project", "Keep Bookmarks"},
                {&chkShowKindlerun, &S::ShowKindlerun, "Other", "Show Kindlerun"},
                {&chkSendErrorLog, &S::SendErrorLog, "Other", "Send Error log"}};
     colors_ = {{&optColor[1], &S::HTMLTagColor, "Other", "HTML Tag Color"},

@@ -46,6 +46,7 @@ class frmOptions : public Dialog {
     TextBox txtDownloadTime{this, "txtDownloadTime"};
     ControlArray<TextBox, 2> txtGridSpacing{this, "txtGridSpacing"};
     CheckBox chkShowCommentsInExplorer{this, "chkShowCommentsInExplorer"};
+    CheckBox chkKeepBookmarks{this, "chkKeepBookmarks"};
     PathBox txtIEPath{this, "txtIEPath"};
     PathBox txtNNPath{this, "txtNNPath"};
     ControlArray<OptionButton, 3> optSkillLevel{this, "optSkillLevel"};

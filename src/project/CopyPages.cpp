@@ -4,9 +4,11 @@
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
+#include "platform/Text.h"
 #include "project/Attachments.h"
 #include "project/InsertPage.h"
 #include "project/LinkAttributes.h"
+#include "project/Links.h"
 #include "project/Media.h"
 #include "project/PageNames.h"
 #include "project/Paths.h"
@@ -26,14 +28,31 @@ std::string ClipboardFolder(const ProjectContext& context) {
     return BuildPath(context.frame.settings.WorkingFolder, "clip");
 }
 
-/** A link of the original, as the copy in another folder needs it. */
-std::optional<std::string> LinkFromElsewhere(const ProjectContext& context,
-                                             const PageBeingInserted& copy,
-                                             const std::string& value) {
-    const auto found = copy.admission.Find({copy.sourceFolder}, value, FileUse::Linked);
-    if (!found || !IsInFolder(found->named, context.frame.settings.PreviewFolder))
-        return std::nullopt;
-    return RelativeLink(copy.targetFolder, found->named) + found->suffix;
+/** The links of the original, as they must be written in another folder. */
+void RewriteLinksFromElsewhere(const ProjectContext& context, const PageBeingInserted& copy) {
+    const std::string& root = context.frame.settings.PreviewFolder;
+    const PlaceInSite before{root, copy.sourceFolder};
+    const PlaceInSite after{root, copy.targetFolder};
+    RewriteLinkAttributes(copy.document, [&](const std::string& value) {
+        // Nothing but the page has moved.
+        return FollowMove({copy.sourceFolder, copy.sourceFolder}, before, after, value);
+    });
+}
+
+/** Another page can have taken the place meanwhile. */
+bool IsPageFile(const ProjectContext& context, const std::string& path) {
+    for (const PageIndexEntry& entry : context.project.PageIndex())
+        if (EqualsNoCase(entry.Item->Filename, path)) return true;
+    return false;
+}
+
+/** What led to the page where it was cut out leads to where it lies now. */
+void LetLinksFollow(ProjectContext& context, const std::string& from, const Page& page,
+                    std::string* reason) {
+    if (from == page.Filename || IsPageFile(context, from)) return;
+    context.moves.push_back({from, page.Filename});
+    const LinkUpdate links = UpdateFollowing(context, context.moves.back(), Follow::Links);
+    if (reason) *reason = links.ProblemText("page");
 }
 
 /** The name of the cut page's file; "" when the folder has such a file. */
@@ -138,7 +157,6 @@ bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason
     });
 }
 
-bool CutPage(ProjectContext& context, std::string_view key, std::string* reason) {
     if (!CopyPage(context, key, reason)) return false;
     if (!RemoveProjectItem(context, key, nullptr, reason)) return false;
     context.copiedPage.isCut = true;
@@ -162,16 +180,17 @@ Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string
     admission.AllowFolder(GetParentFolder(request.sourceFile), FileAdmission::Taking::Everything);
     request.admission = &admission;
     request.rewriteLinks = [&](const PageBeingInserted& copy) {
-        if (copy.sourceFolder == copy.targetFolder) return;
-        RewriteLinkAttributes(copy.document, [&](const std::string& value) {
-            return LinkFromElsewhere(context, copy, value);
-        });
+        if (copy.sourceFolder != copy.targetFolder) RewriteLinksFromElsewhere(context, copy);
     };
+    auto& copied = context.copiedPage;
     const FormerFiles former(context);
     Page* page = InsertPage(context, request, reason);
     if (!page) return nullptr;
     TakeOverProperties(context, *page);
-    context.copiedPage.isPasted = true;
+    // What is pasted once more is a copy of what was moved.
+    if (copied.isCut && !copied.isPasted)
+        LetLinksFollow(context, BuildPath(copied.folder, GetFileName(copied.file)), *page, reason);
+    copied.isPasted = true;
     return page;
 }
 

@@ -16,8 +16,9 @@ bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason
  *  `reason` where one is to be told. */
 bool CutPage(ProjectContext& context, std::string_view key, std::string* reason = nullptr);
 /** Inserts the page and shows it, in the folder or site at the key or in that of the page at the
- *  key. Links to the project's files go on leading there. None, with a sentence in `reason`, when
- *  it could not be done. */
+ *  key. Its links go on leading where they led, and those to a page that was cut follow it. None,
+ *  with a sentence in `reason`, when it could not be done; such a sentence with a page names those
+ *  whose links could not follow. */
 Page* PastePage(ProjectContext& context, std::string_view targetKey, std::string* reason = nullptr);
 
 }  // namespace pw

@@ -3,6 +3,7 @@
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "project/FramesetMask.h"
+#include "project/Links.h"
 #include "project/MergeVariables.h"
 #include "project/Pages.h"
 #include "project/Workspace.h"
@@ -99,7 +100,8 @@ EditedPages EditAllPages(ProjectContext& context, PageStep step,
     return edited;
 }
 
-void BringUpToDate(ProjectContext& context, const std::string&, dom::Document& document) {
+void BringUpToDate(ProjectContext& context, const std::string& pageKey, dom::Document& document) {
+    FollowMoves(context, pageKey, document);
     UpdateMergeVariablesOnThisPage(context, document);
 }
 

@@ -7,6 +7,7 @@
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "project/Journal.h"
+#include "project/Links.h"
 #include "project/PageNames.h"
 #include "project/Paths.h"
 #include "project/Workspace.h"
@@ -234,6 +235,12 @@ bool RenameFolderOnDisk(ProjectContext& context, Folder& folder, const std::stri
         MoveFiles(context, from, to);
         context.project.IsDirty = true;
         JournalFilesMoved(context);
+        if (from != to) {
+            context.moves.push_back({from, to});
+            const LinkUpdate links =
+                UpdateFollowing(context, context.moves.back(), Follow::AllReferences);
+            Tell(reason, links.ProblemText("folder"));
+        }
         return true;
     });
 }
@@ -250,10 +257,11 @@ void EditFolderProperties(ProjectContext& context, std::string_view key) {
         if (dialog.Name() != folder->Name) {
             if (context.frame.dialogs.MsgBox(question) != Answer::Yes) return false;
             std::string reason;
-            if (!RenameFolderOnDisk(context, *folder, dialog.Name(), &reason)) {
+            const bool renamed = RenameFolderOnDisk(context, *folder, dialog.Name(), &reason);
+            // Why not, or which links could not follow.
+            if (!reason.empty())
                 context.frame.dialogs.MsgBox({reason, "Folder", Icon::Exclamation, Buttons::Ok});
-                return false;
-            }
+            if (!renamed) return false;
         }
         folder->Description = dialog.Description();
         return true;

@@ -30,8 +30,10 @@ Folder* AddFolder(ProjectContext& context, Container parent, const NewFolder& fo
 Folder* InsertFolder(ProjectContext& context);
 
 /**
- * Gives a folder another name, on disk and in the paths of everything below it. Fails, with the
- * project as it was and a sentence in `reason`, where the name is taken in any letter case.
+ * Gives a folder another name, on disk, in the paths of everything below it, and in all references
+ * that lead through it. Fails, with the project as it was and a sentence in `reason`, where the
+ * name is taken in any letter case. True with such a sentence when references on some pages could
+ * not follow.
  */
 [[nodiscard]] bool RenameFolderOnDisk(ProjectContext& context, Folder& folder,
                                       const std::string& newName, std::string* reason = nullptr);

@@ -34,6 +34,7 @@ void ListenTo(ProjectContext& context) {
 bool ForgetProject(ProjectContext& context) {
     context.frame.settings.ProjectFilename.clear();
     context.copiedPage = {};
+    context.moves.clear();
     ReleaseProjectLock(context);
     return JournalClear(context);
 }

@@ -68,18 +68,14 @@ class SiteFiles {
 Target FindTarget(SiteFiles& site, const std::string& folder, const std::string& value) {
     const std::string trimmed = Trim(value);
     Target target;
-    const auto hash = std::min(trimmed.find('#'), trimmed.size());
-    if (hash < trimmed.size()) target.bookmark = PercentDecode(trimmed.substr(hash + 1));
+    target.bookmark = BookmarkOf(trimmed);
     if (SplitSuffix(trimmed).path.empty()) {
         target.state = LinkState::Stands;
         return target;
     }
     if (!IsLocalReference(trimmed)) return target;
     target.state = LinkState::Missing;
-    // From the root means the root of the site, wherever that is going to be.
-    const bool isFromRoot = trimmed.starts_with('/');
-    const std::string relative = isFromRoot ? trimmed.substr(1) : trimmed;
-    for (auto& candidate : ReferenceCandidates(isFromRoot ? site.Root() : folder, relative)) {
+    for (auto& candidate : ReferenceCandidates(PlaceInSite{site.Root(), folder}, trimmed)) {
         if (!site.Holds(candidate.path)) continue;
         target.state = LinkState::Stands;
         target.file = std::move(candidate.path);

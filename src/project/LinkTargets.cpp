@@ -3,6 +3,7 @@
 #include "frame/Context.h"
 #include "platform/Text.h"
 #include "platform/dom/TagScan.h"
+#include "project/FramesetMask.h"
 #include "project/Links.h"
 
 namespace pw {
@@ -74,12 +75,14 @@ void BuildTargetsList(TreeView& tree, ProjectContext& context) {
 }
 
 std::vector<std::string> FrameNames(std::string_view html) {
+    const std::string page = UncommentFrameset(html);
     // Behind it stands the page for visitors without frames.
-    html = html.substr(0, FindNoCase(html, "<!-- End Of Frame block -->"));
+    const std::string_view frames =
+        std::string_view(page).substr(0, FindNoCase(page, "<!-- End Of Frame block -->"));
     std::vector<std::string> names;
-    dom::TagScan scan(html, dom::TagsFrom::Anywhere);
+    dom::TagScan scan(frames, dom::TagsFrom::Markup);
     while (const auto tag = scan.next()) {
-        if (!tag->is("frame")) continue;
+        if (!tag->is("frame") && !tag->is("iframe")) continue;
         std::string name = ReplaceAll(tag->attribute("name").value_or(""), "\"", "");
         if (!name.empty()) names.push_back(std::move(name));
     }

@@ -13,7 +13,8 @@ namespace pw {
  *  frame's node is "1", of any other "0"; a frame's key is its page's key and its name. */
 void BuildTargetsList(TreeView& tree, ProjectContext& context);
 
-/** Names of the frames in the frameset of a page, masked or not, in their order. */
+/** Names of the frames of a frame page, masked or not, in their order: of those in its frameset,
+ * and of those in the text. */
 std::vector<std::string> FrameNames(std::string_view html);
 
 }  // namespace pw

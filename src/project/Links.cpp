@@ -2,19 +2,18 @@
 
 #include <algorithm>
 #include <optional>
+#include <set>
 
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "platform/dom/Document.h"
-#include "platform/dom/StartTag.h"
-#include "platform/dom/TagScan.h"
+#include "project/EditPage.h"
 #include "project/Journal.h"
-#include "project/LinkAttributes.h"
 #include "project/PageNames.h"
 #include "project/Pages.h"
 #include "project/Paths.h"
-#include "project/References.h"
+#include "project/StyleText.h"
 #include "project/Workspace.h"
 
 namespace pw {
@@ -22,41 +21,53 @@ namespace pw {
 namespace {
 
 constexpr std::string_view kModule = "ProjectFunctions.";
-constexpr char kEscape = '\x1B';
 
-/** One rename and the walk through all pages that follows it. */
+bool IsLinkOrFrame(ReferenceKind kind) {
+    return kind == ReferenceKind::Link || kind == ReferenceKind::Frame;
+}
+
+FramesetMasked MaskOf(const Page& page) {
+    return page.PageType == PageType::Frames ? FramesetMasked::Yes : FramesetMasked::No;
+}
+
+/** One move and the walk through all pages that follows it. */
 class LinkRewriter {
   public:
-    LinkRewriter(ProjectContext& context, const std::string& oldPath, const std::string& newPath)
+    LinkRewriter(ProjectContext& context, const Move& move, Follow what)
         : context_(context),
-          oldPath_(oldPath),
-          newPath_(newPath),
-          oldName_(Trim(GetFileName(oldPath))),
-          isNameAscii_(IsAscii(oldName_)) {}
+          move_(move),
+          what_(what),
+          oldName_(Trim(GetFileName(move.from))),
+          isSameParent_(GetParentFolder(move.from) == GetParentFolder(move.to)) {}
 
     LinkUpdate Run() {
         for (OpenPage* open : context_.workspace.OpenPages())
             open->SetToNormalEditMode();
         for (WebSite& site : context_.project.WebSites())
             UpdateLinksInFolder(Container(site));
+        if (what_ == Follow::AllReferences) UpdateStyleSheets();
         return std::move(update_);
     }
 
   private:
-    /** How one page sees the two paths. */
+    /** How the pages of one folder see the two paths. */
     struct Sight {
-        std::string folder;
+        PlaceInSite before;
+        PlaceInSite after;
         std::string oldFull;
         std::string newValue;
     };
 
     void UpdateLinksInFolder(const Container& folder) {
+        const std::string place = GetPageFolder(context_, folder.Key());
+        folders_.push_back(place);
+        See(folder.Key(), place);
         for (Page& page : folder.PageList()) {
             ShowPage(page);
             // A page that can't be processed is logged, and the walk goes on.
             bool isDone = false;
             Trap(context_.frame.errorLog, kModule, "UpdateLinksInPage", [&] {
-                if (UpdateLinksInPage(page)) ++update_.changed;
+                UpdateLinksInPage(page);
                 isDone = true;
             });
             if (!isDone) update_.notUpdated.push_back(page.Name);
@@ -71,169 +82,196 @@ class LinkRewriter {
         workspace.SetProgress(++counter_ * 100 / std::max(context_.project.PageCount(), 1));
     }
 
-    /** True when the page was changed. */
-    bool UpdateLinksInPage(Page& page) {
-        page_ = &page;
-        sight_.reset();
-        OpenPage* open = context_.workspace.FindOpenPage(page.Key());
-        const bool changed = open ? UpdateOpen(*open) : UpdateClosed();
-        if (!changed) return false;
-        context_.project.IsDirty = true;
-        page.IsDirty = true;
-        return true;
+    void UpdateLinksInPage(Page& page) {
+        if (OpenPage* open = context_.workspace.FindOpenPage(page.Key()))
+            open->SetToNormalEditMode();
+        UpdatedPage updated{page.Key(), page.Filename, {}};
+        lost_ = 0;
+        if (IsToldRule()) SeeFrom(page.Key());
+        const auto edit = [&](dom::Document& document) {
+            updated.changes = RewriteReferences(
+                document, MaskOf(page), [this](ReferenceKind kind, const std::string& value) {
+                    return Rewrite(kind, value);
+                });
+        };
+        const auto changed = EditPage(context_, page, PageStep::OfTheProject, edit,
+                                      [&](std::string_view bytes) { return MayConcern(bytes); });
+        if (!changed) throw Failure(changed.problem());
+        if (!*changed) return;
+        ++update_.changed;
+        update_.lostBookmarks += lost_;
+        update_.pages.push_back(std::move(updated));
     }
 
-    bool UpdateOpen(OpenPage& open) {
-        open.SetToNormalEditMode();
-        open.TakeOverEdits();
-        if (open.CurrentViewState() != ViewState::Normal)
-            throw Failure("the changed HTML of the page can not be used");
-        if (page_->PageType != PageType::Frames) return UpdateDocument(open.Document());
-        const std::string html = open.Document().html();
-        const std::string updated = UpdateFrames(html);
-        if (updated == html) return false;
-        if (!open.SetHTML(updated)) throw Failure("the changed frames can not be used");
-        return true;
+    bool MayConcern(std::string_view bytes) {
+        // Out of a folder that lies elsewhere all ways are others.
+        if (!isSameParent_ && sight_.before.folder != sight_.after.folder) return true;
+        const auto what = what_ == Follow::Links ? LookFor::Links : LookFor::AllReferences;
+        return MayHoldReference(bytes, oldName_, what,
+                                [&](ReferenceKind, const std::string& value) {
+                                    // The frameset is not masked here.
+                                    return (IsToldRule() && Refers(value)) || Exact(value);
+                                });
     }
 
-    bool UpdateClosed() {
-        const FileError read = context_.frame.files.Read(page_->Filename, bytes_);
-        if (read == FileError::NotFound) return false;
-        if (read != FileError::None) throw Failure(page_->Filename + ": " + Describe(read));
-        if (!HoldsReference()) return false;
-        dom::ParseError error;
-        const auto document = dom::Document::parse(bytes_, &error);
-        if (!document) throw Failure(page_->Filename + ": " + error.message);
-        if (page_->PageType != PageType::Frames) {
-            if (!UpdateDocument(*document)) return false;
-        } else {
-            const std::string html = document->html();
-            const std::string updated = UpdateFrames(html);
-            if (updated == html) return false;
-            if (!document->setHtml(updated, &error)) throw Failure(error.message);
+    bool IsToldRule() const { return !move_.keepsSuffix; }
+
+    std::optional<std::string> Rewrite(ReferenceKind kind, const std::string& value) {
+        if (!IsToldRule() || !IsLinkOrFrame(kind)) {
+            const bool isConcerned = what_ == Follow::AllReferences || kind != ReferenceKind::File;
+            return isConcerned ? Exact(value) : std::nullopt;
         }
-        const FileError written = context_.frame.files.Write(page_->Filename, document->bytes());
-        if (written != FileError::None) throw Failure(page_->Filename + ": " + Describe(written));
-        page_->Title = document->title();
-        return true;
+        if (!Refers(value)) return std::nullopt;
+        if (!BookmarkOf(value).empty()) ++lost_;
+        return sight_.newValue;
     }
 
-    /** Whether the bytes can hold a reference to the old file; a look at their tags tells. */
-    bool HoldsReference() {
-        // As bytes the tags can be read in all encodings but those of wide units and of escapes.
-        const bool isPlain =
-            isNameAscii_ && bytes_.find('\0') == bytes_.npos && bytes_.find(kEscape) == bytes_.npos;
-        if (!isPlain) decoded_ = dom::decode(bytes_).text;
-        dom::TagScan scan(isPlain ? bytes_ : decoded_, dom::TagsFrom::Anywhere);
-        while (const auto tag = scan.next())
-            if (HoldsReference(*tag)) return true;
+    std::optional<std::string> Exact(const std::string& value) const {
+        return FollowMove(move_, sight_.before, sight_.after, value);
+    }
+
+    void See(const std::string& key, const std::string& folder) {
+        const std::string& root = context_.frame.settings.PreviewFolder;
+        sight_ = {{root, FolderBefore(move_, folder)}, {root, folder}, {}, {}};
+        isSeenFrom_.clear();
+        folderKey_ = key;
+    }
+    /** The paths as a page is told to see them, which asks the disk. */
+    void SeeFrom(const std::string& pageKey) {
+        // All pages of a folder see the same.
+        if (isSeenFrom_ == folderKey_) return;
+        isSeenFrom_ = folderKey_;
+        sight_.oldFull =
+            ResolveRelativePath(sight_.after.folder, GetVirtualPath(context_, move_.from, pageKey));
+        sight_.newValue = EncodeLink(GetVirtualPath(context_, move_.to, pageKey));
+        pageKey_ = pageKey;
+    }
+
+    std::string FullForm(const std::string& value) const {
+        // From the root means the root of the site.
+        if (value.starts_with('/')) return ResolveRelativePath(sight_.after.root, value.substr(1));
+        return ResolveRelativePath(sight_.after.folder, GetVirtualPath(context_, value, pageKey_));
+    }
+    bool OccursIn(const std::string& value) const {
+        return FindNoCase(FullForm(value), sight_.oldFull) != std::string::npos;
+    }
+    /** The told test: the old path occurs in the full form of what the value points to. A query
+     * that looks like a path is none. */
+    bool Refers(const std::string& value) const {
+        if (!IsLocalReference(value)) return false;
+        for (const std::string& text : {Trim(value), PercentDecode(Trim(value))}) {
+            const SplitReference parts = SplitSuffix(text);
+            if (!parts.path.empty() && OccursIn(parts.path)) return true;
+            // The sign can belong to the file's name.
+            if (!parts.suffix.empty() && parts.suffix.find_first_of("/\\") == std::string::npos &&
+                OccursIn(text))
+                return true;
+        }
         return false;
     }
 
-    bool HoldsReference(const dom::TagInText& tag) {
-        if (page_->PageType == PageType::Frames) {
-            if (MayRefer(tag.attribute("src")) || MayRefer(tag.attribute("href"))) return true;
-        }
-        if (tag.is("meta")) return MayRefer(tag.attribute("content"));
-        const std::string_view name = LinkAttributeOf(tag.name());
-        if (name.empty()) return false;
-        const auto value = tag.attribute(name);
-        if (!MayRefer(value)) return false;
-        // Letters beyond ASCII have yet to be decoded.
-        return !IsAscii(*value) || Refers(*value) || FindSuffix(*value);
-    }
-
-    bool UpdateDocument(dom::Document& document) {
-        bool changed = false;
-        const dom::Document::Step step(document);
-        for (dom::Node* link : document.links()) {
-            if (!Refers(link->getAttribute("href"))) continue;
-            document.setAttribute(*link, "href", See().newValue);
-            changed = true;
-        }
-        // What leads to the page without being a link has to mean the very file.
-        const auto rewrite = [&](const std::string& value) -> std::optional<std::string> {
-            const auto suffix = FindSuffix(value);
-            if (!suffix) return std::nullopt;
-            changed = true;
-            return See().newValue + *suffix;
+    /** Those beside the pages and the attached ones; those that a page takes in lie there. */
+    void UpdateStyleSheets() {
+        std::set<std::string> sheets;
+        const auto note = [&](const std::string& path) {
+            if (EqualsNoCase(GetExtension(path), "css") &&
+                IsInFolder(path, context_.frame.settings.PreviewFolder))
+                sheets.insert(path);
         };
-        RewriteLinkAttributes(document, rewrite);
-        return changed;
-    }
-
-    /** Every "src" of the frameset text and every link. Works on masked framesets too. */
-    std::string UpdateFrames(std::string_view html) {
-        const std::size_t framesEnd = GetFramesetText(html).size();
-        std::string updated;
-        std::size_t copied = 0;
-        dom::TagScan scan(html, dom::TagsFrom::Anywhere);
-        while (const auto tag = scan.next()) {
-            const bool isLink = tag->is("a") || tag->is("area");
-            if (tag->begin() < copied || (!isLink && tag->begin() >= framesEnd)) continue;
-            const char* name = isLink ? "href" : "src";
-            const auto value = tag->attribute(name);
-            if (!value || !Refers(*value)) continue;
-            updated.append(html, copied, tag->begin() - copied);
-            updated += dom::patchStartTag(tag->text(), name, See().newValue, "\n");
-            copied = tag->end();
+        const auto noteAll = [&](const std::string& folder) {
+            std::vector<FolderEntry> entries;
+            if (context_.frame.files.List(folder, entries) != FileError::None) return;
+            for (const FolderEntry& entry : entries)
+                if (!entry.isFolder) note(BuildPath(folder, entry.name));
+        };
+        for (const std::string& folder : folders_) {
+            noteAll(folder);
+            noteAll(BuildPath(folder, "media"));
         }
-        return updated.append(html.substr(copied));
+        for (const Attachment& attachment : context_.project.Attachments())
+            note(attachment.Filename());
+        for (const PageIndexEntry& entry : context_.project.PageIndex())
+            for (const Attachment& attachment : entry.Item->Attachments())
+                note(attachment.Filename());
+        for (const std::string& sheet : sheets)
+            UpdateStyleSheet(sheet);
     }
 
-    /** A quick look that is false only for values which surely are no reference. */
-    bool MayRefer(const std::optional<std::string>& value) const {
-        if (!value || value->empty() || value->front() == '#') return false;
-        if (FindNoCase(*value, oldName_) != value->npos) return true;
-        return value->find('%') != value->npos &&
-               FindNoCase(PercentDecode(*value), oldName_) != std::string::npos;
-    }
-
-    const Sight& See() {
-        if (!sight_) {
-            Sight sight;
-            sight.folder = GetPageFolder(context_, page_->Key());
-            sight.oldFull =
-                ResolveRelativePath(sight.folder, GetVirtualPath(context_, oldPath_, page_->Key()));
-            sight.newValue = EncodeLink(GetVirtualPath(context_, newPath_, page_->Key()));
-            sight_ = std::move(sight);
+    void UpdateStyleSheet(const std::string& path) {
+        FileSystem& files = context_.frame.files;
+        std::string css;
+        FileError error = files.Read(path, css);
+        if (error == FileError::NotFound) return;
+        See("", GetParentFolder(path));
+        const std::string updated =
+            RewriteStyleReferences(css, [this](const std::string& value) { return Exact(value); });
+        if (error == FileError::None && updated != css) {
+            error = files.Write(path, updated);
+            if (error == FileError::None) {
+                update_.pages.push_back({"", path, {{-1, "", css}}});
+                context_.project.IsDirty = true;
+            }
         }
-        return *sight_;
-    }
-
-    bool OccursIn(const std::string& value) {
-        const std::string full =
-            ResolveRelativePath(See().folder, GetVirtualPath(context_, value, page_->Key()));
-        return FindNoCase(full, See().oldFull) != std::string::npos;
-    }
-
-    bool Refers(const std::string& value) {
-        return MayRefer(value) && (OccursIn(value) || OccursIn(PercentDecode(value)));
-    }
-
-    /** Query and fragment of a value that means the old file; none when it does not. */
-    std::optional<std::string> FindSuffix(const std::string& value) {
-        if (!MayRefer(value)) return std::nullopt;
-        for (const auto& candidate : ReferenceCandidates(See().folder, value))
-            if (EqualsNoCase(candidate.path, oldPath_)) return candidate.suffix;
-        return std::nullopt;
+        if (error == FileError::None) return;
+        update_.notUpdated.push_back(GetFileName(path));
+        const std::string text = path + ": " + Describe(error);
+        context_.frame.errorLog.LogError(text, Failure(text), kModule, "UpdateLinksInPage");
     }
 
     ProjectContext& context_;
-    std::string oldPath_;
-    std::string newPath_;
+    const Move& move_;
+    Follow what_;
     std::string oldName_;
-    bool isNameAscii_;
+    bool isSameParent_;
     int counter_ = 0;
     LinkUpdate update_;
-    // Of the page that is being looked at.
-    Page* page_ = nullptr;
-    std::optional<Sight> sight_;
-    std::string bytes_;
-    std::string decoded_;
+    std::vector<std::string> folders_;  // that have been walked through
+    // Of the folder that is being walked through.
+    Sight sight_;
+    std::string folderKey_;
+    std::string isSeenFrom_;
+    std::string pageKey_;
+    int lost_ = 0;  // in the page that is being looked at
 };
 
+LinkUpdate RunUpdate(ProjectContext& context, const Move& move, Follow what) {
+    Workspace& workspace = context.workspace;
+    workspace.ShowProgress(true);
+    workspace.SetProgress(0);
+    LinkUpdate update = Trap(context.frame.errorLog, kModule, "UpdateLinksInProject", LinkUpdate(),
+                             [&] { return LinkRewriter(context, move, what).Run(); });
+    workspace.ShowProgress(false);
+    workspace.ResetStatus();
+    if (update.lostBookmarks > 0) workspace.ShowStatus(update.LossText());
+    return update;
+}
+
+Move PageMove(const ProjectContext& context, const std::string& from, const std::string& to) {
+    return {from, to, context.frame.settings.KeepBookmarks};
+}
+
+/** Whether a reference leads to a file or folder that is there. */
+bool Stands(const ProjectContext& context, const PlaceInSite& place, const std::string& value) {
+    const auto candidates = ReferenceCandidates(place, value);
+    return std::any_of(candidates.begin(), candidates.end(), [&](const auto& candidate) {
+        return FileExists(context.frame.files, candidate.path) ||
+               FolderExists(context.frame.files, candidate.path);
+    });
+}
+
 }  // namespace
+
+std::string LinkUpdate::LossText() const {
+    if (lostBookmarks == 0) return {};
+    return lostBookmarks == 1 ? "1 link lost its bookmark."
+                              : std::to_string(lostBookmarks) + " links lost their bookmark.";
+}
+
+std::string LinkUpdate::ProblemText(std::string_view what) const {
+    if (notUpdated.empty()) return {};
+    return "Links to the " + std::string(what) + " could not be brought up to date on " +
+           ListOfNames(notUpdated) + ".\n\nPlease correct the links on these pages.";
+}
 
 std::string GetPageHTML(ProjectContext& context, const Page& page) {
     if (OpenPage* open = context.workspace.FindOpenPage(page.Key())) {
@@ -254,18 +292,33 @@ std::string_view GetFramesetText(std::string_view html) {
 
 LinkUpdate UpdateLinksInProject(ProjectContext& context, const std::string& oldPath,
                                 const std::string& newPath) {
-    Workspace& workspace = context.workspace;
-    workspace.ShowProgress(true);
-    workspace.SetProgress(0);
-    LinkUpdate update = Trap(context.frame.errorLog, kModule, "UpdateLinksInProject", LinkUpdate(),
-                             [&] { return LinkRewriter(context, oldPath, newPath).Run(); });
-    workspace.ShowProgress(false);
-    workspace.ResetStatus();
-    return update;
+    return RunUpdate(context, PageMove(context, oldPath, newPath), Follow::Links);
+}
+
+LinkUpdate UpdateFollowing(ProjectContext& context, const Move& move, Follow what) {
+    return RunUpdate(context, move, what);
+}
+
+void FollowMoves(ProjectContext& context, const std::string& pageKey, dom::Document& document) {
+    const Page* page = context.moves.empty() ? nullptr : GetPage(context, pageKey);
+    if (!page) return;
+    const PlaceInSite place{context.frame.settings.PreviewFolder, GetParentFolder(page->Filename)};
+    RewriteReferences(
+        document, MaskOf(*page),
+        [&](ReferenceKind kind, const std::string& value) -> std::optional<std::string> {
+            std::string present = value;
+            for (const Move& move : context.moves) {
+                const auto moved = FollowMove(move, place, place, present);
+                if (!moved || Stands(context, place, present)) continue;
+                const bool isPlain = !move.keepsSuffix && IsLinkOrFrame(kind);
+                present = isPlain ? SplitSuffix(*moved).path : *moved;
+            }
+            return present == value ? std::nullopt : std::optional(present);
+        });
 }
 
 bool RenamePage(ProjectContext& context, Page& page, const std::string& newName,
-                std::string* reason) {
+                std::string* reason, LinkUpdate* update) {
     const auto tell = [reason](const std::string& sentence) {
         if (reason) *reason = sentence;
     };
@@ -295,12 +348,12 @@ bool RenamePage(ProjectContext& context, Page& page, const std::string& newName,
         page.IsDirty = true;
         context.project.IsDirty = true;
         JournalFilesMoved(context);
-        const LinkUpdate update = UpdateLinksInProject(context, oldPath, newPath);
+        const Move move = PageMove(context, oldPath, newPath);
+        context.moves.push_back(move);
+        LinkUpdate links = RunUpdate(context, move, Follow::Links);
         if (OpenPage* open = context.workspace.FindOpenPage(page.Key())) open->RefreshCaption();
-        tell(update.notUpdated.empty() ? ""
-                                       : "Links to the page could not be brought up to date on " +
-                                             ListOfNames(update.notUpdated) +
-                                             ".\n\nPlease correct the links on these pages.");
+        tell(links.ProblemText("page"));
+        if (update) *update = std::move(links);
         return true;
     });
 }

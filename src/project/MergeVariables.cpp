@@ -142,7 +142,7 @@ bool MayHoldStaleVariable(const ProjectContext& context, std::string_view bytes)
     dom::TagScan scan(text, dom::TagsFrom::Anywhere);
     while (const auto tag = scan.next())
         if (MayBeStale(context, text, *tag)) return true;
-    return false;
+    return !scan.isComplete();
 }
 
 void UpdateClosedPage(ProjectContext& context, Page& page, std::string& bytes) {

@@ -8,6 +8,7 @@
 #include "platform/posix/ProjectLock.h"
 #include "project/FileUses.h"
 #include "project/JournalState.h"
+#include "project/References.h"
 
 namespace pw {
 
@@ -45,6 +46,10 @@ struct ProjectContext {
         std::vector<ListedFile> files;
         bool empty() const { return file.empty(); }
     } copiedPage;
+
+    /** Pages and folders that have got another name or place since the project was opened, in turn:
+     *  what an undo brings back in an open page can be older. */
+    std::vector<Move> moves;
 
     /** On the file of the open project; none for one that was never saved. */
     std::unique_ptr<ProjectLock> lock;

@@ -286,6 +286,7 @@ bool RecoverProject(ProjectContext& context, std::unique_ptr<RunFolder>& run,
         ReleaseProjectLock(context);
         JournalClear(context);
         context.copiedPage = {};
+        context.moves.clear();
         project.Clear();
         project.IsLoaded = false;
         if (run && run->Remove() != FileError::None) {

@@ -131,7 +131,13 @@ TEST_F(CliTest, RenamesPagesAndListsLinks) {
               "W0001P0001\tindex.htm\tgone.htm\tmissing\n"
               "W0001F0001P0001\tsub/b.htm\t../index.htm\tstands\n");
 
-    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "news"}).output, "");
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "c", "--keep-bookmarks"}).output, "");
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001", "texts"}).output, "");
+    EXPECT_THAT(Cli({"cat", project, "W0001P0001"}).output,
+                testing::HasSubstr("<a href=\"texts/c.htm#x\">"));
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001", "sub"}).output, "");
+    EXPECT_EQ(Cli({"rename", project, "W0001F0001P0001", "news"}).output,
+              "1 link lost its bookmark.\n");
     EXPECT_EQ(Cli({"rename", project, "W0001P0001", "start.html"}).output, "");
     EXPECT_EQ(Cli({"list", project}).output,
               "W0001P0001\tstart.html\tHome\n"

@@ -35,6 +35,8 @@ TEST(Options, WritesEverySettingAndReadsItBack) {
         dialog.txtGridSpacing[0].UserSetText("12px");
         dialog.optSkillLevel[1].UserClick();
         dialog.chkShowKindlerun.UserSetChecked(false);
+        EXPECT_FALSE(dialog.chkKeepBookmarks.Checked());
+        dialog.chkKeepBookmarks.UserSetChecked(true);
         dialog.cmdOK.UserClick();
         EXPECT_FALSE(dialog.IsOpen());
     });
@@ -50,6 +52,7 @@ TEST(Options, WritesEverySettingAndReadsItBack) {
         EXPECT_EQ(settings.DownloadTime, 60);
         EXPECT_EQ(settings.GridHorizontal, 12);
         EXPECT_EQ(settings.SkillLevel, 1);
+        EXPECT_TRUE(settings.KeepBookmarks);
     };
     check(program.frame().settings);
     EXPECT_EQ(RegNumber(*program.outer.hive, "Other", "Show Kindlerun"), 0);

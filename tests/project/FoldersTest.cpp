@@ -1,5 +1,8 @@
 #include "project/Folders.h"
 
+#include "platform/Text.h"
+#include "project/EditPage.h"
+#include "project/FramesetMask.h"
 #include "project/frmFolder.h"
 #include "support/TestProject.h"
 
@@ -71,6 +74,70 @@ TEST(Folders, TakeEverythingBelowAlongWhenRenamed) {
         EXPECT_NE(reason, "") << name;
         EXPECT_EQ(docs->Name, "TEXTS");
     }
+}
+
+TEST(Folders, AreFollowedByAllReferencesThroughThem) {
+    TestProject test;
+    const std::string root = test.frame.settings.PreviewFolder;
+    Page* home = test.Insert("home");
+    Folder* docs = AddFolder(test.context, {}, {"Docs"});
+    Folder* old = AddFolder(test.context, Container(*docs), {"Old"});
+    Page* inside = test.Insert("inside", "", Container(*old));
+    Page* frames = test.Insert("frames");
+    frames->PageType = PageType::Frames;
+    const std::string sheet = root + "\\media\\a.css";
+    const struct {
+        std::string file;
+        const char* text;  ///< with "^" for the name of the folder
+    } rows[] = {
+        {home->Filename,
+         "<html><head><link rel=stylesheet href=^/media/x.css><script src=^/media/x.js></script>"
+         "<style>p { background: url(^/media/a.gif) }</style></head>"
+         "<body background='^/media/b.gif'><a href=\"^/Old/inside.htm?x#y\">1</a><a "
+         "href=\"^/\">2</a>"
+         "<a href=/^/gone.htm>3</a><img src=^/a.gif srcset='^/a.gif 1x, ^/b.gif 2x'>"
+         "<p style=\"background: url('^/c.gif')\">docs/x docs</p><svg><image href=^/x.svg />"
+         "</svg><!-- <a href=docs/x> --><a href=Docs2/x.htm>4</a><a href=http://docs/x>5</a>"
+         "<param name=x value=docs><param name=y value=^/y.swf></body></html>"},
+        {inside->Filename,
+         "<html><head></head><body><a href=inside.htm#x>1</a><a href=../../index.htm>2</a>"
+         "<a href=\"../../^/Old/inside.htm#x\">3</a><img src=media/a.gif></body></html>"},
+        {frames->Filename,
+         "<html><head></head>\n<frameset cols=\"*,*\"><frame src=^/Old/inside.htm#x>\n"
+         "<frame src=other.htm></frameset>\n<noframes><body><a href=^/x.htm>1</a></body></noframes>"
+         "\n</html>\n"},
+        {sheet, "@import '../^/media/x.css'; p { background: url(../^/a.gif#x) } /* docs/x */"},
+    };
+    const auto text = [](const char* pattern, const char* name) {
+        return ReplaceAll(pattern, "^", name);
+    };
+    for (const auto& row : rows)
+        ASSERT_EQ(test.files->Write(row.file, text(row.text, "Docs")), FileError::None);
+    test.workspace.ShowPage(frames->Key(), "", frames->Filename, frames->PageType);
+    auto& open = *test.workspace.Find(frames->Key());
+    ASSERT_TRUE(open.SetHTML(CommentFrameset(text(rows[2].text, "Docs"))));
+    open.document->clearHistory();
+
+    std::string reason;
+    ASSERT_TRUE(RenameFolderOnDisk(test.context, *docs, "Texts", &reason)) << reason;
+    EXPECT_EQ(reason, "");
+    EXPECT_EQ(UncommentFrameset(open.document->html()), text(rows[2].text, "Texts"));
+    EXPECT_FALSE(open.document->canUndo());
+    for (const auto& row : rows) {
+        const std::string file = ReplaceAll(row.file, "\\Docs\\", "\\Texts\\");
+        if (file == frames->Filename) continue;
+        EXPECT_EQ(test.Text(file), text(row.text, "Texts"));
+    }
+
+    // What an undo brings back later follows too.
+    open.document->setUpkeep(
+        [&](dom::Document& document) { BringUpToDate(test.context, frames->Key(), document); });
+    dom::Node* link = open.document->links().at(0);
+    open.document->removeNode(*link);
+    EXPECT_EQ(UncommentFrameset(open.document->html()).find("/x.htm"), std::string::npos);
+    ASSERT_TRUE(RenameFolderOnDisk(test.context, *docs, "Papers", &reason)) << reason;
+    ASSERT_TRUE(open.document->undo());
+    EXPECT_EQ(UncommentFrameset(open.document->html()), text(rows[2].text, "Papers"));
 }
 
 TEST(Folders, AreInsertedThroughTheDialog) {

@@ -257,5 +257,34 @@ TEST_F(InsertTest, CopiesPagesToOtherFolders) {
     EXPECT_FALSE(CopyPage(test.context, "W0001P0099"));
 }
 
+TEST_F(InsertTest, LetsLinksFollowAPageThatIsCutAndPasted) {
+    Page* home = test.Insert("home");
+    Page* page = test.Insert("page");
+    Folder* folder = AddFolder(test.context, {}, {"Docs"});
+    const std::string from = page->Filename;
+    ASSERT_EQ(test.files->Write(home->Filename,
+                                "<a href=page.htm?x#y>1</a><form action=/page.htm></form>"
+                                "<a href=page.html>2</a>"),
+              FileError::None);
+    ASSERT_EQ(test.files->Write(page->Filename,
+                                "<title>page</title><a href=\"page.htm#z\">1</a>"
+                                "<a href=\"index.htm#z\">2</a><a href=gone.htm>3</a>"),
+              FileError::None);
+
+    ASSERT_TRUE(CutPage(test.context, page->Key()));
+    Page* moved = PastePage(test.context, folder->Key(), &reason);
+    ASSERT_TRUE(moved) << reason;
+    EXPECT_EQ(reason, "");
+    EXPECT_EQ(test.Text(home->Filename),
+              "<a href=Docs/page.htm?x#y>1</a><form action=/Docs/page.htm></form>"
+              "<a href=page.html>2</a>");
+    EXPECT_EQ(test.workspace.Find(moved->Key())->Document().html(),
+              "<title>page</title><a href=\"page.htm#z\">1</a>"
+              "<a href=\"../index.htm#z\">2</a><a href=../gone.htm>3</a>");
+    // Pasted once more it is a copy, and nothing follows.
+    ASSERT_TRUE(PastePage(test.context, "W0001", &reason)) << reason;
+    EXPECT_THAT(test.Text(home->Filename), testing::StartsWith("<a href=Docs/page.htm?x#y>"));
+}
+
 }  // namespace
 }  // namespace pw

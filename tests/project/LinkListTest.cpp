@@ -36,6 +36,10 @@ TEST_F(LinkListTest, TellsWhetherLinksStand) {
         {"../index.htm", "stands"},
         {"../INDEX.htm", "missing"},
         {"/index.htm", "stands"},
+        {"/in side.htm", "missing"},
+        {"../index.htm#:~:text=word", "stands"},
+        {"gone.php?u=x/../in side.htm", "missing"},
+        {"//index.htm", "elsewhere"},
         {"in%20side.htm", "stands"},
         {"in side.htm?x=1", "stands"},
         {"./../news/in side.htm", "stands"},
@@ -75,10 +79,13 @@ TEST_F(LinkListTest, ListsWhateverLeadsSomewhere) {
     Write(inside,
           "<link rel=stylesheet href=a.css><meta http-equiv=Refresh content='1;URL=b.htm'>"
           "<area href=c.htm><iframe src=d.htm><a href=no></iframe><form action=e.htm>"
-          "<!-- <a href=no> --><script>'<a href=no>'</script><img src=no.gif><a name=no>");
-    EXPECT_THAT(LinksOf(inside),
-                testing::ElementsAre("a.css missing", "b.htm missing", "c.htm missing",
-                                     "d.htm missing", "e.htm missing"));
+          "<svg><a xlink:href=f.htm></a></svg><button formaction=g.htm>"
+          "<noframes><a href=h.htm></noframes><!-- <a href=no> --><script>'<a "
+          "href=no>'</script><img src=no.gif><a name=no>");
+    EXPECT_THAT(
+        LinksOf(inside),
+        testing::ElementsAre("a.css missing", "b.htm missing", "c.htm missing", "d.htm missing",
+                             "e.htm missing", "f.htm missing", "g.htm missing", "h.htm missing"));
     const std::string frames =
         "<frameset><frame src='news/in side.htm'></frameset><noframes><a href=f>x</a></noframes>";
     home->PageType = PageType::Frames;

@@ -2,6 +2,7 @@
 
 #include "platform/Text.h"
 #include "platform/dom/Encoding.h"
+#include "project/EditPage.h"
 #include "project/Folders.h"
 #include "project/FramesetMask.h"
 #include "project/LinkAttributes.h"
@@ -62,6 +63,21 @@ TEST_F(LinksTest, FollowThePageAndNothingElseChanges) {
         {"in a folder of that name", false, "<a href=news/old.htm>", "<a href=news/old.htm>"},
         {"a frame of a longer name", false, "<iframe src=old.html></iframe>",
          "<iframe src=old.html></iframe>"},
+        {"from the root", false, "<a href=/old.htm>", "<a href=new.htm>"},
+        {"from the root, in a folder", true, "<a href=/old.htm#x><form action=/old.htm#x></form>",
+         "<a href=../new.htm><form action=/new.htm#x></form>"},
+        {"of another host", false, "<a href=//old.htm>", "<a href=//old.htm>"},
+        {"in a query", false, "<a href=\"p.php?u=x/../old.htm\"><a href=\"p.php?u=/old.htm\">",
+         "<a href=\"p.php?u=x/../old.htm\"><a href=\"p.php?u=/old.htm\">"},
+        {"a found word", false, "<a href=\"old.htm#:~:text=x\">", "<a href=\"new.htm\">"},
+        {"a drawing", false, "<svg><a xlink:href=\"old.htm#x\"></a></svg>",
+         "<svg><a xlink:href=\"new.htm#x\"></a></svg>"},
+        {"a button", false, "<button formaction=old.htm?x></button><input formaction=old.htm>",
+         "<button formaction=new.htm?x></button><input formaction=new.htm>"},
+        {"without frames", false, "<noframes><a href=old.htm#x>x</a></noframes>",
+         "<noframes><a href=new.htm>x</a></noframes>"},
+        {"a page within", false, "<iframe srcdoc=\"<a href='old.htm'>\"></iframe>",
+         "<iframe srcdoc=\"<a href='new.htm'>\"></iframe>"},
         {"of another site", false, "<a href=http://example.org/old.htm>",
          "<a href=http://example.org/old.htm>"},
         {"a mere bookmark", false, "<a href=#old.htm>", "<a href=#old.htm>"},
@@ -83,6 +99,42 @@ TEST_F(LinksTest, FollowThePageAndNothingElseChanges) {
               int(std::size(rows)) * 2);
     EXPECT_EQ(workspace.progress, 100);
     EXPECT_EQ(workspace.calls.back(), "ShowStatus For Help, press F1");
+}
+
+TEST_F(LinksTest, KeepTheirBookmarksWhenTheUserWantsIt) {
+    frame.settings.KeepBookmarks = true;
+    const std::string rest = "<a href=old.html#y><a href=http://a/old.htm#y>";
+    Write(home, PageWith("<a href=old.htm?x#y><a href=/old.htm#y>" + rest));
+    LinkUpdate update;
+    ASSERT_TRUE(RenamePage(context, *target, "new.htm", &reason, &update)) << reason;
+    EXPECT_EQ(Text(home->Filename), PageWith("<a href=new.htm?x#y><a href=/new.htm#y>" + rest));
+    EXPECT_EQ(update.lostBookmarks, 0);
+    EXPECT_EQ(workspace.calls.back(), "ShowStatus For Help, press F1");
+}
+
+TEST_F(LinksTest, TellsWhatWasChangedAndLost) {
+    Write(home, PageWith("<a href=old.htm#y>1</a><a href=old.htm>2</a><a href=OLD.htm#z>3</a>"
+                         "<noframes><a href=old.htm#n>4</a></noframes>"));
+    LinkUpdate update;
+    ASSERT_TRUE(RenamePage(context, *target, "new.htm", &reason, &update)) << reason;
+    EXPECT_EQ(update.lostBookmarks, 3);
+    EXPECT_EQ(workspace.calls.back(), "ShowStatus 3 links lost their bookmark.");
+    ASSERT_EQ(update.pages.size(), 1u);
+    EXPECT_EQ(update.pages[0].page, home->Key());
+    EXPECT_EQ(update.pages[0].file, home->Filename);
+    // What it tells is enough to take all of it back.
+    const auto document = dom::Document::parseText(Text(home->Filename));
+    for (const ChangedReference& change : update.pages[0].changes) {
+        dom::Node* element = document->all().at(std::size_t(change.element));
+        if (change.attribute.empty()) {
+            document->setText(*element->firstChild(), change.former);
+        } else {
+            document->setAttribute(*element, change.attribute, change.former);
+        }
+    }
+    EXPECT_EQ(document->html(),
+              PageWith("<a href=old.htm#y>1</a><a href=old.htm>2</a><a href=OLD.htm#z>3</a>"
+                       "<noframes><a href=old.htm#n>4</a></noframes>"));
 }
 
 TEST_F(LinksTest, FollowInAllEncodings) {
@@ -130,7 +182,7 @@ TEST_F(LinksTest, AreEscapedAndFoundAgain) {
     EXPECT_EQ(Text(page->Filename), PageWith("<a href=\"last.htm\">itself</a>"));
 }
 
-TEST_F(LinksTest, OfOpenPagesChangeUndoably) {
+TEST_F(LinksTest, OfOpenPagesChangeAndStayUnderUndo) {
     workspace.ShowPage(home->Key(), "home", home->Filename, home->PageType);
     workspace.ShowPage(inside->Key(), "inside", inside->Filename, inside->PageType);
     auto& open = *workspace.Find(home->Key());
@@ -141,6 +193,7 @@ TEST_F(LinksTest, OfOpenPagesChangeUndoably) {
                                 "<a href=old.htm>typed</a><iframe src=old.htm></iframe>");
     const std::string typed = document.html();
     document.markClean();
+    document.setUpkeep([&](dom::Document& undone) { BringUpToDate(context, home->Key(), undone); });
     project.IsDirty = false;
 
     ASSERT_TRUE(Rename("new.htm")) << reason;
@@ -151,8 +204,27 @@ TEST_F(LinksTest, OfOpenPagesChangeUndoably) {
     EXPECT_TRUE(project.IsDirty);
     EXPECT_FALSE(workspace.Find(inside->Key())->IsDirty()) << "it has no such link";
     EXPECT_EQ(Text(home->Filename), file) << "an open page is not saved";
+    const std::string renamed = document.html();
+    dom::Node* link = document.links().at(0);
+    document.removeNode(*link);
     EXPECT_TRUE(document.undo());
-    EXPECT_EQ(document.html(), typed);
+    EXPECT_EQ(document.html(), renamed) << "the rename is no step of the page";
+    EXPECT_TRUE(document.undo());
+    EXPECT_TRUE(document.links().empty());
+    EXPECT_TRUE(document.redo());
+    EXPECT_EQ(document.html(), renamed);
+
+    // What was not in the page at the rename comes back with the present address.
+    document.removeNode(*document.links().at(0));
+    ASSERT_TRUE(Rename("newest.htm"));
+    EXPECT_TRUE(document.undo());
+    EXPECT_EQ(document.html(), ReplaceAll(typed, "old.htm", "newest.htm"));
+    document.setAttribute(*document.links().at(0), "href", "old.htm");
+    document.setAttribute(*document.links().at(0), "href", "index.htm");
+    Page* successor = Insert("old");
+    ASSERT_EQ(GetFileName(successor->Filename), "old.htm");
+    EXPECT_TRUE(document.undo());
+    EXPECT_EQ(document.links().at(0)->getAttribute("href"), "old.htm") << "a page stands there";
 
     workspace.ShowPage(target->Key(), "old", target->Filename, target->PageType);
     ASSERT_TRUE(Rename("newer.htm"));
@@ -177,9 +249,11 @@ TEST_F(LinksTest, OfFramesFollowOpenAndClosed) {
     auto& open = *workspace.Find(home->Key());
     ASSERT_TRUE(open.SetHTML(CommentFrameset(frames("new.htm"))));
     open.MarkClean();
+    open.document->clearHistory();
     ASSERT_TRUE(Rename("newer.htm")) << reason;
     EXPECT_EQ(UncommentFrameset(open.document->html()), frames("newer.htm"));
     EXPECT_TRUE(open.IsDirty());
+    EXPECT_FALSE(open.document->canUndo());
 }
 
 TEST_F(LinksTest, ANameThatIsRefusedChangesNothing) {
@@ -243,8 +317,9 @@ TEST_F(LinksTest, AreReadFromTheTextAsFromTheParsedPage) {
         ASSERT_TRUE(document);
         for (const dom::Node* node = document->root(); node; node = node->following()) {
             if (!node->isElement()) continue;
-            const auto name = LinkAttributeOf(node->localName());
-            if (!name.empty() && node->attribute(name)) parsed.push_back(*node->attribute(name));
+            for (const dom::Attribute& attribute : node->attributes())
+                if (IsLinkAttribute(node->localName(), attribute.name))
+                    parsed.push_back(attribute.value);
         }
         ++compared;
         EXPECT_EQ(scanned, parsed) << html.substr(0, 300);
@@ -273,9 +348,11 @@ TEST_F(LinksTest, TargetsAreTheFramesAndWhatLeadsToThem) {
     Write(home,
           "<frameset name=\"All\"><FRAME NAME=main SRC=\"names.htm\"><frame src=a.htm>"
           "<frame src='name=x' name=\"\"><frame name = 'my &amp; frame'></frameset>"
+          "<noframes><iframe name=inner></iframe><!-- <iframe name=no> --></noframes>"
           "<!-- End Of Frame block --><noframes><frame name=no></noframes>");
     Write(deep, "<frameset><frame src=a.htm></frameset>");
-    EXPECT_THAT(FrameNames(Text(home->Filename)), testing::ElementsAre("main", "my & frame"));
+    EXPECT_THAT(FrameNames(Text(home->Filename)),
+                testing::ElementsAre("main", "my & frame", "inner"));
     BuildTargetsList(tree, context);
     const TreeNode* frame = tree.Find(home->Key() + "main");
     ASSERT_TRUE(frame);
@@ -283,7 +360,7 @@ TEST_F(LinksTest, TargetsAreTheFramesAndWhatLeadsToThem) {
     EXPECT_EQ(frame->image, 45);
     EXPECT_EQ(frame->parent->key, home->Key());
     EXPECT_EQ(frame->parent->tag, "0");
-    EXPECT_EQ(tree.Count(), 4u) << "no folder without frames";
+    EXPECT_EQ(tree.Count(), 5u) << "no folder without frames";
 
     // An open page counts as its window has it.
     workspace.ShowPage(deep->Key(), "deep", deep->Filename, deep->PageType);

@@ -62,6 +62,88 @@ TEST(References, OffersTheLiteralNameFirst) {
     EXPECT_TRUE(ReferenceCandidates("\\s", "http://example.org/").empty());
 }
 
+TEST(References, MeanWhatAServerWouldShow) {
+    const PlaceInSite place{"\\s", "\\s\\a"};
+    const struct {
+        const char* value;
+        const char* paths;
+    } rows[] = {
+        {"/b.htm", "\\s\\b.htm "},
+        {"/../b.htm", "\\b.htm "},
+        {"//b.htm", ""},
+        {"b.htm", "\\s\\a\\b.htm "},
+        {"p.php?u=x/../b.htm", "\\s\\a\\p.php "},
+        {"p.php?u=x%2F..%2Fb.htm", "\\s\\a\\p.php "},
+        {"b.htm#:~:text=a", "\\s\\a\\b.htm#:~:text=a \\s\\a\\b.htm "},
+    };
+    for (const auto& row : rows) {
+        std::string paths;
+        for (const auto& candidate : ReferenceCandidates(place, row.value))
+            paths += candidate.path + " ";
+        EXPECT_EQ(paths, row.paths) << row.value;
+    }
+    EXPECT_EQ(BookmarkOf("b.htm?x#a%20b"), "a b");
+    EXPECT_EQ(BookmarkOf("b.htm#a:~:text=b"), "a");
+    EXPECT_EQ(BookmarkOf("b.htm#:~:text=b"), "");
+    EXPECT_EQ(BookmarkOf("b.htm"), "");
+}
+
+TEST(References, FollowWhatWasMoved) {
+    const Move folder{"\\s\\old", "\\s\\new one"};
+    const Move page{"\\s\\a b.htm", "\\s\\x\\c.htm"};
+    const Move signs{"\\s\\a#1.htm", "\\s\\2?.htm"};
+    const struct {
+        const Move& move;
+        const char* folder;  ///< of the page that it stands in, afterwards
+        const char* value;
+        const char* after;  ///< "" when it may stay
+    } rows[] = {
+        {folder, "\\s", "old/a%20b.htm?x=1#y", "new%20one/a%20b.htm?x=1#y"},
+        {folder, "\\s", "./x/../OLD/a.htm", "./x/../new%20one/a.htm"},
+        {folder, "\\s", "old/", "new%20one/"},
+        {folder, "\\s", "old", "new%20one"},
+        {folder, "\\s", "old/x/..", "new%20one/x/.."},
+        {folder, "\\s", "o%6cd\\a.htm", "new%20one\\a.htm"},
+        {folder, "\\s", "/old/a.htm#y", "/new%20one/a.htm#y"},
+        {folder, "\\s", "file:///s/old/a%20b.htm", "new%20one/a%20b.htm"},
+        {folder, "\\s", "older/a.htm", ""},
+        {folder, "\\s", "x/old/a.htm", ""},
+        {folder, "\\s", "//old/a.htm", ""},
+        {folder, "\\s", "http://s/old/a.htm", ""},
+        {folder, "\\s", "p.php?u=old/a.htm", ""},
+        {folder, "\\s", "p.php?u=x/../old/a.htm", ""},
+        {folder, "\\s", "#old/a.htm", ""},
+        {folder, "\\s\\x", "../old/a.htm", "../new%20one/a.htm"},
+        {folder, "\\s\\x", "old/a.htm", ""},
+        {folder, "\\s\\new one", "a.htm#y", ""},
+        {folder, "\\s\\new one", "../b.htm", ""},
+        {folder, "\\s\\new one", "../old/a.htm", "../new%20one/a.htm"},
+        {folder, "\\s\\new one\\x", "../../old/media/a.gif", "../../new%20one/media/a.gif"},
+        {page, "\\s", "a%20b.htm#y", "x/c.htm#y"},
+        {page, "\\s", "a b.htm", "x/c.htm"},
+        {page, "\\s\\x", "../a b.htm?q", "c.htm?q"},
+        {page, "\\s\\x", "/a b.htm?q", "/x/c.htm?q"},
+        {page, "\\s", "a b.html", ""},
+        {signs, "\\s", "a#1.htm", "2%3F.htm"},
+        {signs, "\\s", "a%231.htm#y", "2%3F.htm#y"},
+    };
+    for (const auto& row : rows) {
+        const PlaceInSite before{"\\s", FolderBefore(row.move, row.folder)};
+        EXPECT_EQ(FollowMove(row.move, before, {"\\s", row.folder}, row.value).value_or(""),
+                  row.after)
+            << row.folder << " " << row.value;
+    }
+    // The page alone has moved.
+    const Move none{"\\s\\a", "\\s\\a"};
+    const auto moved = [&](const char* value) {
+        return FollowMove(none, {"\\s", "\\s\\a"}, {"\\s", "\\s\\b\\c"}, value).value_or("");
+    };
+    EXPECT_EQ(moved("x%20y.htm#z"), "../../a/x%20y.htm#z");
+    EXPECT_EQ(moved("../b/c/x.htm"), "x.htm");
+    EXPECT_EQ(moved("../../beyond.htm"), "");
+    EXPECT_EQ(moved("/x.htm"), "");
+}
+
 TEST(References, WritesTheShortestEscapedLink) {
     const struct {
         const char* folder;

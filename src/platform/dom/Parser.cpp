@@ -325,7 +325,8 @@ void Parser::separateTags(Node& text, bool raw, bool escapable) {
 }
 
 /** Blanks behind the end tag of the body are the last text of the body to the parser. Left there,
- *  everything that is added to the page would go behind that end tag. */
+ *  everything that is added to the page would go behind that end tag, and a comment in between
+ * would come out in front of them. */
 void Parser::dropBlanksBehindBody() {
     Node* body = document_.body();
     Node* html = document_.documentElement();
@@ -336,10 +337,15 @@ void Parser::dropBlanksBehindBody() {
     const char* end = endOf(body);
     if (!end) end = endOf(html);
     if (!end) return;
-    while (Node* last = body->last_) {
+    for (;;) {
+        // A paragraph that was left open takes them.
+        Node* last = body;
+        while (last->last_)
+            last = last->last_;
         if (!last->isText() || last->start_.data() < end || !isBlankText(last->data_)) return;
-        body->last_ = last->previous_;
-        (last->previous_ ? last->previous_->next_ : body->first_) = nullptr;
+        Node* parent = last->parent_;
+        parent->last_ = last->previous_;
+        (last->previous_ ? last->previous_->next_ : parent->first_) = nullptr;
         last->parent_ = last->previous_ = nullptr;
     }
 }

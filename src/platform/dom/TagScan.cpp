@@ -1,9 +1,10 @@
 #include "platform/dom/TagScan.h"
 
 #include <algorithm>
+#include <unordered_set>
 
+#include "platform/Text.h"
 #include "platform/dom/Escape.h"
-#include "platform/dom/StartTag.h"
 
 namespace pw::dom {
 
@@ -70,18 +71,41 @@ std::optional<std::string> TagInText::attribute(std::string_view lowerName) cons
     return std::nullopt;
 }
 
+std::vector<Attribute> TagInText::attributes() const {
+    // Looked up by a set, since a page can give a tag as many as it likes.
+    std::unordered_set<std::string> names;
+    std::vector<Attribute> attributes;
+    forEachWrittenAttribute([&](std::string_view name, std::string_view value) {
+        if (names.insert(ToLower(name)).second)
+            attributes.push_back({std::string(name), decodeAttribute(value)});
+    });
+    return attributes;
+}
+
 std::optional<TagInText> TagScan::next() {
     for (at_ = page_.find('<', at_); at_ < page_.size(); at_ = page_.find('<', at_)) {
         const char kind = at_ + 1 < page_.size() ? page_[at_ + 1] : '\0';
         if (isLetter(kind)) {
             const TagInText tag(page_, at_);
             at_ = where_ == TagsFrom::Anywhere ? at_ + 1 : behind(tag);
+            if (where_ == TagsFrom::Anywhere && !mayOverlap(tag)) continue;
             return tag;
         }
         const bool isSkipped = where_ == TagsFrom::Markup && (kind == '!' || kind == '?');
         at_ = isSkipped ? endOfDeclaration(page_, at_) : at_ + 1;
     }
     return std::nullopt;
+}
+
+bool TagScan::mayOverlap(const TagInText& tag) {
+    const auto free = std::find_if(ends_.begin(), ends_.end(),
+                                   [&](std::size_t end) { return end <= tag.begin(); });
+    if (free == ends_.end()) {
+        isComplete_ = false;
+        return false;
+    }
+    *free = tag.end();
+    return true;
 }
 
 std::size_t TagScan::behind(const TagInText& tag) const {

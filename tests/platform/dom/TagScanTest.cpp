@@ -4,6 +4,7 @@
 
 #include "platform/dom/Document.h"
 #include "platform/dom/Escape.h"
+#include "support/CpuTimer.h"
 
 namespace pw::dom {
 namespace {
@@ -45,6 +46,30 @@ TEST(TagScan, FindsWhatAParserFindsAndAnywhereMore) {
         EXPECT_EQ(HrefsIn(row.page, TagsFrom::Markup), row.markup) << row.page;
         EXPECT_EQ(HrefsIn(row.page, TagsFrom::Anywhere), row.anywhere) << row.page;
     }
+}
+
+TEST(TagScan, TakesTimeInProportionWhateverThePageIs) {
+    for (const char* piece :
+         {"<a ", "<a y=\">\" ", "<a href='", "<a b<", "<!-- <a ", "<title><a "}) {
+        std::string page;
+        while (page.size() < 400'000)
+            page += piece;
+        for (const TagsFrom where : {TagsFrom::Markup, TagsFrom::Anywhere}) {
+            const test::CpuTimer timer;
+            TagScan scan(page + "><a href=1>", where);
+            while (const auto tag = scan.next()) {
+                EXPECT_FALSE(tag->attribute("nosuch"));
+                (void)tag->attributes();
+            }
+            EXPECT_LT(timer.Seconds(), 1) << piece;
+        }
+    }
+    TagScan deep("<a <a <a <a <a <a <a <a <a <a <a <a <a <a <a <a <a ", TagsFrom::Anywhere);
+    int found = 0;
+    while (deep.next())
+        ++found;
+    EXPECT_EQ(found, 16);
+    EXPECT_FALSE(deep.isComplete());
 }
 
 TEST(TagScan, ReadsValuesAsTheParserDoes) {
