@@ -453,7 +453,7 @@ void frmPage::WriteAttachments() {
     for (const std::string& key : removedFiles_) {
         const Attachment* attachment = page_.Attachments().Item(key);
         if (attachment && !isListed(attachment->Filename()))
-            static_cast<void>(page_.Attachments().Remove(key));
+            static_cast<void>(pw::RemoveAttachment(context_, page_, key));
     }
     const bool isAnyNew = std::any_of(files_.begin(), files_.end(),
                                       [](const ListedFile& file) { return file.key.empty(); });

@@ -157,6 +157,7 @@ bool CopyPage(ProjectContext& context, std::string_view key, std::string* reason
     });
 }
 
+bool CutPage(ProjectContext& context, std::string_view key, std::string* reason) {
     if (!CopyPage(context, key, reason)) return false;
     if (!RemoveProjectItem(context, key, nullptr, reason)) return false;
     context.copiedPage.isCut = true;
