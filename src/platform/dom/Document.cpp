@@ -8,6 +8,7 @@
 #include "platform/dom/DocumentImpl.h"
 #include "platform/dom/Escape.h"
 #include "platform/dom/FlatText.h"
+#include "platform/dom/OriginalBytes.h"
 #include "platform/dom/Parser.h"
 #include "platform/dom/SourceEdit.h"
 #include "platform/dom/Writer.h"
@@ -71,10 +72,9 @@ Document::~Document() = default;
 std::unique_ptr<Document> Document::parse(std::string_view bytes, ParseError* error) {
     Decoded decoded = decode(bytes);
     // Some encodings write one text in several ways: then the bytes themselves must be kept.
-    const bool exact = encode(decoded.text, decoded.encoding) == bytes;
-    auto document = parseText(std::move(decoded.text), decoded.encoding, error);
-    if (document && !exact) document->impl_->originalBytes = bytes;
-    return document;
+    if (encode(decoded.text, decoded.encoding) != bytes)
+        decoded.encoding.original = OriginalBytes::of(bytes, decoded);
+    return parseText(std::move(decoded.text), decoded.encoding, error);
 }
 
 std::unique_ptr<Document> Document::parseText(std::string text, Encoding encoding,
@@ -91,7 +91,6 @@ std::string Document::html() const {
 }
 
 std::string Document::bytes() const {
-    if (!impl_->originalBytes.empty() && root_->changes_ == 0) return impl_->originalBytes;
     return encode(html(), impl_->encoding);
 }
 

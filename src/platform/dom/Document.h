@@ -179,7 +179,7 @@ class Document {
 
     // --- Selection ----------------------------------------------------------------------------
     const Selection& selection() const { return selection_; }
-    void setSelection(const Selection& selection, Origin origin = Origin::Program);
+    void setSelection(const Selection& wanted, Origin origin = Origin::Program);
     void collapse(Position caret);
     /** The element that holds the focus of the selection; none without a selection. */
     Node* elementAtCaret() const;

@@ -56,8 +56,6 @@ struct Document::Impl {
     NodePool pool;
     ByteStore bytes;
     Encoding encoding;
-    /** The file as it was read, kept only when encoding its text again gives other bytes. */
-    std::string originalBytes;
     std::string lineEnd = "\n";
     bool quirks = false;
     std::vector<Island> islands;

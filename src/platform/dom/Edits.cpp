@@ -75,9 +75,9 @@ Node* Document::splitText(Node& text, std::size_t offset) {
     Step step(*this);
     Node* tail = createText(std::string_view(text.data_).substr(offset));
     const std::size_t length = text.data_.size() - offset;
-    if (text.sourced_) {
-        SourceSplice cut = spliceSource(text.own_ ? *text.own_ : text.start_, text, offset, length,
-                                        "", impl_->lineEnd);
+    const std::string_view bytes = text.own_ ? std::string_view(*text.own_) : text.start_;
+    if (text.sourced_ && (text.raw_ || !bytes.starts_with(kCDataBegin))) {
+        SourceSplice cut = spliceSource(bytes, text, offset, length, "", impl_->lineEnd);
         if (cut.inserted.empty()) {
             tail->sourced_ = true;
             tail->raw_ = text.raw_;

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "platform/Text.h"
+#include "platform/dom/OriginalBytes.h"
 
 namespace pw::dom {
 
@@ -327,6 +328,7 @@ Decoded decode(std::string_view bytes) {
 }
 
 std::string encode(std::string_view text, const Encoding& encoding) {
+    if (encoding.original) return encoding.original->encode(text);
     std::string out;
     const std::string name = ToLower(encoding.name);
     const bool utf8 = name == "utf-8" || name.empty();

@@ -1,15 +1,21 @@
 #pragma once
 // Character encodings of page files.
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace pw::dom {
 
+class OriginalBytes;
+
 /** How the bytes of a file stand for its text. */
 struct Encoding {
     std::string name = "utf-8";  ///< as iconv knows it
     bool byteOrderMark = false;
+    /** Of the file, when encoding its text again gives other bytes than it had; `encode` then keeps
+     *  those of what is still the same. */
+    std::shared_ptr<const OriginalBytes> original = nullptr;
 };
 
 /** Text of a file, and what is needed to write its bytes back unchanged. */

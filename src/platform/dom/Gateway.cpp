@@ -92,6 +92,9 @@ void Gateway::insert(Node& parent, Node& node, Node* before) {
         Node* previous = before ? before->previous_ : parent.last_;
         if (previous) closeImplied(primitive, *previous, &node);
         if (before) closeImplied(primitive, node, before);
+        // The end tag of a paragraph's or an item's own parent ends it only when that is a block.
+        else if (parent.isElement() && !isBlockTag(parent.name_))
+            closeImplied(primitive, node, &parent);
         prepareParent(primitive, parent);
         closeUnclosedFormatting(primitive, parent, before);
     }
@@ -104,6 +107,7 @@ void Gateway::remove(Node& node) {
     if (worksOut(node, *node.parent_)) {
         if (node.previous_ && node.next_) closeImplied(primitive, *node.previous_, node.next_);
         keepLead(primitive, node);
+        nameEmptied(primitive, *node.parent_, node);
     }
     perform(std::move(primitive));
 }
@@ -298,6 +302,22 @@ void Gateway::keepLead(Primitive& primitive, Node& node) {
     primitive.pieces.push_back(
         {&heir, piece, old,
          document_.impl_->bytes.keep(std::string(node.lead_) + std::string(old))});
+}
+
+/** A part of a table whose tags the parser has made up from what stood in it has to have its own
+ *  when that goes. */
+void Gateway::nameEmptied(Primitive& primitive, Node& parent, const Node& going) {
+    if (!parent.isElement() || !parent.sourced_ || parent.clone_ || !parent.start_.empty()) return;
+    if (!parent.parent_ || !parent.parent_->isElement()) return;
+    if (!parent.is("tbody") && !parent.is("tr") && !parent.is("colgroup")) return;
+    for (const Node* child = parent.first_; child; child = child->next_)
+        if (child != &going && child->isElement()) return;
+    const std::string start = canonicalStartTag(parent, document_.impl_->lineEnd);
+    ByteStore& bytes = document_.impl_->bytes;
+    primitive.pieces.push_back({&parent, Piece::Start, parent.start_, bytes.keep(start)});
+    if (parent.end_.empty())
+        primitive.pieces.push_back(
+            {&parent, Piece::End, parent.end_, bytes.keep(endTagFor(parent, start))});
 }
 
 bool Gateway::sharesStartTag(const Node& node) const {

@@ -95,6 +95,7 @@ class Gateway {
     void closeUnclosedFormatting(Primitive& primitive, const Node& parent, const Node* before);
     void prepareParent(Primitive& primitive, Node& parent);
     void keepLead(Primitive& primitive, Node& node);
+    void nameEmptied(Primitive& primitive, Node& parent, const Node& going);
     bool sharesStartTag(const Node& node) const;
     bool worksOut(const Node& a, const Node& b) const;
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "platform/dom/TagScan.h"
@@ -62,6 +63,15 @@ std::uint16_t traitsOf(std::string_view name) {
     if (name == "svg" || name == "math") traits |= kForeignRoot;
     return traits;
 }
+
+constexpr std::uint64_t hashOf(std::string_view text) {
+    std::uint64_t hash = 1469598103934665603u;
+    for (const char c : text)
+        hash = (hash ^ std::uint8_t(c)) * 1099511628211u;
+    return hash;
+}
+constexpr std::uint64_t kSelect = hashOf("select");
+constexpr std::uint64_t kTemplate = hashOf("template");
 
 /** A model of the parser's stack of open elements that is just good enough to tell its depth. */
 class Scan {
@@ -192,6 +202,7 @@ class Scan {
                 at_ = endOfRawText(markup_, at_, text);
                 return;
             }
+            if (isIgnored(text)) return;
             endImplied(name);
         } else if (selfClosing) {
             return;
@@ -199,8 +210,23 @@ class Scan {
         push(name, tag);
     }
 
+    /** A form in a form, and all but its options in a selection field. */
+    bool isIgnored(std::string_view text) {
+        static constexpr std::string_view kEndSelect[] = {"select", "input",   "keygen", "textarea",
+                                                          "table",  "caption", "tbody",  "thead",
+                                                          "tfoot",  "tr",      "td",     "th"};
+        if (templates_ == 0 && text == "form" && std::exchange(formIsOpen_, true)) return true;
+        if (selects_ == 0 || text == "option" || text == "optgroup" || text == "script" ||
+            text == "template")
+            return false;
+        if (std::ranges::count(kEndSelect, text) == 0) return true;
+        popTo("select", false);
+        return text == "select";
+    }
+
     void endImplied(const Name& name) {
         const std::string_view text = name.text;
+        if (text == "table") endTable();
         if (name.traits & kEndsParagraph) popTo("p", false);
         if (text == "li") popTo("li", true);
         if (text == "dt" || text == "dd") {
@@ -222,13 +248,6 @@ class Scan {
         }
     }
 
-    static std::uint64_t hashOf(std::string_view text) {
-        std::uint64_t hash = 1469598103934665603u;
-        for (const char c : text)
-            hash = (hash ^ std::uint8_t(c)) * 1099511628211u;
-        return hash;
-    }
-
     void popTop(std::string_view name) {
         if (!open_.empty() && open_.back().name.hash == hashOf(name)) popFrom(open_.size() - 1);
     }
@@ -240,6 +259,15 @@ class Scan {
             if (open_[i].name.hash == hash) return popFrom(i);
             if (open_[i].name.traits & kScope) return;
             if (stopAtList && (open_[i].name.traits & kList)) return;
+        }
+    }
+
+    /** A table that begins within another, but in none of its cells, ends that. */
+    void endTable() {
+        for (std::size_t i = open_.size(); i-- > 0;) {
+            const std::uint64_t hash = open_[i].name.hash;
+            if (hash == hashOf("table")) return popFrom(i);
+            if (open_[i].name.traits & kMarker) return;
         }
     }
 
@@ -260,6 +288,8 @@ class Scan {
         while (open_.size() > index) {
             const Open& top = open_.back();
             if (top.name.traits & kForeignRoot) --foreign_;
+            if (top.name.hash == kSelect) --selects_;
+            if (top.name.hash == kTemplate) --templates_;
             if (top.name.traits & kMarker) {
                 while (!formatting_.empty()) {
                     const bool marker = formatting_.back().name == 0;
@@ -292,6 +322,8 @@ class Scan {
             open.formatting = pushFormatting(name, tag);
         if (name.traits & kMarker) formatting_.push_back({});
         if (name.traits & kForeignRoot) ++foreign_;
+        if (name.hash == kSelect) ++selects_;
+        if (name.hash == kTemplate) ++templates_;
         open_.push_back(open);
         if (open_.size() + closed_ > kDeepestNesting) {
             excess_ = "The page nests more than " + std::to_string(kDeepestNesting) +
@@ -316,6 +348,7 @@ class Scan {
     }
 
     void endTag(const Name& name) {
+        if (templates_ == 0 && name.text == "form") formIsOpen_ = false;
         if (foreign_ == 0 && (name.traits & kFormatting)) return endFormatting(name);
         for (std::size_t i = open_.size(); i-- > 0;) {
             if (open_[i].name.hash == name.hash) return popFrom(i);
@@ -361,6 +394,9 @@ class Scan {
     std::size_t closed_ = 0;  ///< formatting that is left open but not among the open elements
     std::size_t numbers_ = 0;
     int foreign_ = 0;
+    int selects_ = 0;
+    int templates_ = 0;
+    bool formIsOpen_ = false;
     char letters_[15];
     Known known_[256];
     std::string excess_;

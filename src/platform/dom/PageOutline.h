@@ -35,7 +35,7 @@ struct PageOutline {
     std::vector<Comment> comments;     ///< in the order of the tree; "<?" and "<!x" are none
     std::vector<Stretch> head;         ///< its tags, and what it holds but for comments
     std::size_t bodyEnd = 0;           ///< behind the last byte of what the body holds; 0: nothing
-    std::size_t htmlStartEnd = 0;  ///< behind the doctype and the start tag of the html element
+    std::size_t htmlStartEnd = 0;      ///< behind the doctype and the start tag of the html element
     std::optional<std::size_t> htmlEnd;  ///< where the end tag of the html element begins
 };
 

@@ -9,6 +9,7 @@
 #include "platform/dom/NestingScan.h"
 #include "platform/dom/SourceOrder.h"
 #include "platform/dom/Tags.h"
+#include "platform/dom/TextSource.h"
 
 namespace pw::dom {
 
@@ -58,6 +59,18 @@ bool endsElement(std::string_view endTag, std::string_view name) {
 
 bool isBlankText(std::string_view text) {
     return text.find_first_not_of(" \t\r\n\f") == text.npos;
+}
+
+/** Bytes of `text` that these bytes stand for when nothing is read in them. */
+std::size_t textLength(std::string_view source, std::string_view text) {
+    std::size_t done = 0;
+    while (!source.empty()) {
+        const Unit unit = nextUnit(source, text.substr(done), TextContext::Raw);
+        if (unit.source == 0) break;
+        source.remove_prefix(unit.source);
+        done += unit.text;
+    }
+    return done;
 }
 
 /** Behind a tag or a declaration that begins at `source`'s first byte. */
@@ -276,7 +289,31 @@ void Parser::separateTags(Node& text, bool raw, bool escapable) {
         node->data_ = data.substr(beginData, dataEnd - beginData);
     };
     bool afterTag = false;
+    const auto begin = [&] {
+        // An empty first part means that the text began with a tag.
+        if (!node->data_.empty()) {
+            Node* next = document_.newNode(NodeType::Text);
+            next->sourced_ = true;
+            Gateway::append(*node->parent_, *next);
+            node = next;
+        }
+        beginSource = at;
+        beginData = done;
+    };
+    const bool foreign = text.parent_ && text.parent_->isForeign();
     while (at < source.size()) {
+        if (foreign && source.substr(at).starts_with(kCDataBegin)) {
+            if (!afterTag) close(at, done);
+            afterTag = true;
+            begin();
+            const std::string_view rest = source.substr(at + kCDataBegin.size());
+            const std::string_view inside = rest.substr(0, rest.find(kCDataEnd));
+            done += textLength(inside, std::string_view(data).substr(done));
+            at += kCDataBegin.size() + inside.size();
+            at += source.substr(at).starts_with(kCDataEnd) ? kCDataEnd.size() : 0;
+            close(at, done);
+            continue;
+        }
         if (context == TextContext::Normal && beginsMarkup(source.substr(at))) {
             if (!afterTag) close(at, done);
             afterTag = true;
@@ -291,15 +328,7 @@ void Parser::separateTags(Node& text, bool raw, bool escapable) {
                   : nextUnit(source.substr(at), std::string_view(data).substr(done), context);
         if (unit.source == 0) break;
         if (afterTag && done < data.size()) {
-            // An empty first part means that the text began with a tag.
-            if (!node->data_.empty()) {
-                Node* next = document_.newNode(NodeType::Text);
-                next->sourced_ = true;
-                Gateway::append(*node->parent_, *next);
-                node = next;
-            }
-            beginSource = at;
-            beginData = done;
+            begin();
             afterTag = false;
         }
         at += unit.source;

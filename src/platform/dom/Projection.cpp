@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "platform/Text.h"
+#include "platform/dom/Nesting.h"
 #include "platform/dom/ViewBatch.h"
 
 namespace pw::dom {
@@ -101,6 +102,7 @@ struct Projection::Impl {
     void mergeUnseen(ViewBatch& batch);
     void mergeLists(ViewBatch& batch);
     void mergeTexts(ViewBatch& batch);
+    void keepAroundBody(ViewBatch& batch);
 
     Projection& owner;
     Document& document;
@@ -460,6 +462,40 @@ void Projection::Impl::mergeLists(ViewBatch& batch) {
         due.lists[id] = std::move(ids);
 }
 
+// What lies around the body is none of the user's text: a frameset in comments, scripts, the head.
+// Whatever the engine did to it stays undone, and what it moved there goes to the body's end.
+void Projection::Impl::keepAroundBody(ViewBatch& batch) {
+    Node* body = document.body();
+    if (!body || body->is("frameset")) return;
+    std::vector<Node*> strays;
+    for (ViewBatch::List& list : batch.lists) {
+        Node* const parent = list.parent;
+        const bool isAround = parent == document.root() || parent == document.documentElement();
+        if (!isAround || list.children == parent->children()) continue;
+        std::vector<NodeId> view;
+        for (Node* child : list.children) {
+            view.push_back(child->id());
+            if (child->parent() != parent) strays.push_back(child);
+        }
+        list.children = parent->children();
+        due.lists.emplace(parent->id(), std::move(view));
+    }
+    if (strays.empty()) return;
+    const auto isBody = [&](const ViewBatch::List& list) { return list.parent == body; };
+    auto ofBody = std::ranges::find_if(batch.lists, isBody);
+    if (ofBody == batch.lists.end())
+        ofBody = batch.lists.insert(batch.lists.begin(), {body, body->children()});
+    for (Node* stray : strays) {
+        if (stray->contains(*body)) continue;
+        if (!std::ranges::count(ofBody->children, stray)) ofBody->children.push_back(stray);
+    }
+    // The view has these elsewhere.
+    std::vector<NodeId> view;
+    for (const Node* child : ofBody->children)
+        if (!std::ranges::count(strays, child)) view.push_back(child->id());
+    due.lists.emplace(body->id(), std::move(view));
+}
+
 Projection::Result Projection::applyBatch(std::string_view json) {
     Impl& impl = *impl_;
     ViewBatch batch(impl.document);
@@ -498,8 +534,12 @@ Projection::Result Projection::applyBatch(std::string_view json) {
         Document::Step step(impl.document, batch.kind());
         batch.plan(lookup);
         if (!impl.due.empty()) impl.mergeUnseen(batch);
+        impl.keepAroundBody(batch);
         batch.apply();
         if (!impl.due.selection) batch.applySelection(lookup);
+        // The view is told of what is mended as of any other change.
+        Document::OriginScope ours(impl.document, Origin::Program);
+        mendNesting(impl.document, batch.placed);
     }
     impl.announced = false;
     impl.announce();

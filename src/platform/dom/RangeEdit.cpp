@@ -108,8 +108,18 @@ int comparePositions(const Position& a, const Position& b) {
     return first.size() < second.size() ? -1 : first.size() > second.size() ? 1 : 0;
 }
 
+Position withinBody(const Document& document, Position place) {
+    Node* body = document.body();
+    if (!body || body->is("frameset") || !place.node || body->contains(*place.node)) return place;
+    if (place.node != document.root() && !document.isConnected(place.node)) return place;
+    const bool isInFront = comparePositions(place, {body, 0}) <= 0;
+    return {body, isInFront ? 0 : body->children().size()};
+}
+
 Position deleteRange(Document& document, Position a, Position b) {
     if (!a.node || !b.node) return a;
+    a = withinBody(document, a);
+    b = withinBody(document, b);
     auto [begin, end] = inOrder(a, b);
     Document::Step step(document);
     if (begin.node == end.node && begin.node->isText()) {
@@ -234,6 +244,7 @@ Position behind(Node& node) {
 
 Position insertNodesAt(Document& document, Position place, const std::vector<Node*>& nodes) {
     if (nodes.empty() || !place.node) return place;
+    place = withinBody(document, place);
     Document::Step step(document);
     Node* block = blockAround(place.node);
     const bool blocks =

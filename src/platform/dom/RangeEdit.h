@@ -10,6 +10,10 @@ namespace pw::dom {
 /** Below 0 when `a` stands in front of `b`, 0 when they are one place. */
 int comparePositions(const Position& a, const Position& b);
 
+/** The place itself, or the end of the body that it lies beyond: what stands around the body is
+ * none of the text of a page. */
+Position withinBody(const Document& document, Position place);
+
 /** Deletes what stands between two places, whichever comes first; the paragraphs at the ends become
  *  one, the cells of a table stay. Returns where the caret then belongs. */
 Position deleteRange(Document& document, Position a, Position b);

@@ -4,7 +4,12 @@
 
 namespace pw::dom {
 
-void Document::setSelection(const Selection& selection, Origin origin) {
+void Document::setSelection(const Selection& wanted, Origin origin) {
+    Selection selection = wanted;
+    if (selection.type == SelectionType::Text) {
+        selection.anchor = withinBody(*this, selection.anchor);
+        selection.focus = withinBody(*this, selection.focus);
+    }
     if (selection_ == selection) return;
     selection_ = selection;
     if (origin == Origin::View) return;

@@ -72,6 +72,23 @@ Stretch locate(std::string_view source, std::string_view text, std::size_t begin
     }
 }
 
+/** Between the marks. What the page's end closes, or what the text would close, is written anew. */
+SourceSplice spliceCData(std::string_view source, const std::string& data, std::size_t offset,
+                         std::size_t removed, std::string_view inserted, std::string_view lineEnd) {
+    std::string changed = data;
+    changed.replace(offset, removed, inserted);
+    if (source.ends_with(kCDataEnd) && changed.find(kCDataEnd) == changed.npos) {
+        const std::string_view inside = source.substr(
+            kCDataBegin.size(), source.size() - kCDataBegin.size() - kCDataEnd.size());
+        const Stretch stretch = locate(inside, data, offset, offset + removed, TextContext::Raw);
+        if (stretch.found && stretch.textBegin == offset && stretch.textEnd == offset + removed)
+            return {kCDataBegin.size() + stretch.begin,
+                    std::string(inside.substr(stretch.begin, stretch.end - stretch.begin)),
+                    escapeText(inserted, TextContext::Raw, lineEnd)};
+    }
+    return whole(source, escapeText(changed, TextContext::Normal, lineEnd));
+}
+
 /** Where "&" or "<" stands that the change at `at` could turn into markup; `at` when nowhere. */
 std::size_t fragileBegin(std::string_view source, std::size_t at) {
     std::size_t begin = at;
@@ -93,6 +110,8 @@ SourceSplice spliceSource(std::string_view source, const Node& node, std::size_t
         return spliceComment(source, data, offset, removed, inserted, lineEnd);
     }
     const bool raw = node.parent() && holdsRawText(*node.parent());
+    if (!raw && source.starts_with(kCDataBegin))
+        return spliceCData(source, data, offset, removed, inserted, lineEnd);
     const TextContext context = raw ? TextContext::Raw : TextContext::Normal;
     Stretch stretch{offset, offset + removed, offset, offset + removed, true};
     if (source != data) {
@@ -144,6 +163,7 @@ std::optional<std::string> replaceInSource(std::string_view source, const Node& 
                                            std::string_view inserted, std::string_view lineEnd) {
     const std::string_view data = node.data();
     const bool raw = node.parent() && holdsRawText(*node.parent());
+    if (!raw && source.starts_with(kCDataBegin)) return std::nullopt;
     const TextContext context = raw ? TextContext::Raw : TextContext::Normal;
     const std::string written = escapeText(inserted, context, lineEnd);
     std::size_t at = 0;

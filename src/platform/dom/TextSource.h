@@ -10,6 +10,11 @@
 
 namespace pw::dom {
 
+/** Begins the bytes of a text of a foreign element in which neither tags nor references are read.
+ */
+inline constexpr std::string_view kCDataBegin = "<![CDATA[";
+inline constexpr std::string_view kCDataEnd = "]]>";
+
 struct SourceSplice {
     std::size_t offset = 0;
     std::string removed;

@@ -295,6 +295,7 @@ void ViewBatch::putIn() {
             if (child->contains(*list.parent)) continue;
             if (child->parent()) document_.removeNode(*child);
             document_.insertNode(*list.parent, *child, place);
+            placed.push_back(child);
         }
     }
 }

@@ -64,6 +64,8 @@ class ViewBatch {
     std::vector<List> lists;  ///< parents before what is below them
     std::vector<AttributeChange> attributes;
     std::vector<TextChange> texts;
+    /** Nodes that apply has put into places of theirs. */
+    std::vector<Node*> placed;
 
   private:
     struct Impl;

@@ -4,6 +4,7 @@
 #include "platform/dom/Escape.h"
 #include "platform/dom/StartTag.h"
 #include "platform/dom/Tags.h"
+#include "platform/dom/TextSource.h"
 
 namespace pw::dom {
 
@@ -76,7 +77,7 @@ Writer::Visit Writer::enter(const Node*& node) {
                     node = node->next_;
                 return Visit::Skip;
             }
-        } else if (node->changes_ == 0 && !node->extent_.empty()) {
+        } else if (node->changes_ == 0 && !node->extent_.empty() && !isStrange(*node)) {
             out_ += node->extent_;
             return Visit::Skip;
         }
@@ -128,13 +129,19 @@ void Writer::writeEnd(const Node& node) {
     out_ += "</" + node.name_ + ">";
 }
 
+/** Its bytes are text in a foreign element alone, and it stands in none. */
+bool Writer::isStrange(const Node& node) {
+    if (!node.isText() || node.raw_ || !node.parent_ || node.parent_->isForeign()) return false;
+    return (node.own_ ? std::string_view(*node.own_) : node.start_).starts_with(kCDataBegin);
+}
+
 void Writer::writeText(const Node& node) {
     const Node* parent = node.parent_;
     const std::string& lineEnd = document_.impl_->lineEnd;
     const bool raw = parent && holdsRawText(*parent);
     std::string_view bytes = node.own_ ? std::string_view(*node.own_) : node.start_;
     std::string written;
-    if (!node.sourced_ || (node.isText() && node.raw_ != raw)) {
+    if (!node.sourced_ || isStrange(node) || (node.isText() && node.raw_ != raw)) {
         if (node.isComment()) {
             written = "<!--" + escapeText(node.data_, TextContext::Raw, lineEnd) + "-->";
         } else {

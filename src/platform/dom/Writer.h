@@ -24,6 +24,7 @@ class Writer {
     void writeText(const Node& node);
     void writeEnd(const Node& node);
     void writeLead(std::string_view lead);
+    static bool isStrange(const Node& node);
     bool isImpliedClone(const Node& node) const;
 
     const Document& document_;

@@ -79,6 +79,9 @@ TEST(Document, OddPagesComeBackByteForByte) {
              Row{"svg and math",
                  "<svg viewBox='0 0 1 1'><linearGradient xlink:href=#a "
                  "/><![CDATA[x<y]]><path/></svg><math><mi>x</math>"},
+             Row{"cdata",
+                 "<svg><text>a<![CDATA[x<y&amp;\r\nz]]>b<![CDATA[]]>&lt;<![CDATA[q]]></b>c</text>"
+                 "<![CDATA[ ]]></svg><math><![CDATA[open"},
              Row{"conditional comments",
                  "<!--[if IE]><p>x</p><![endif]--><![if !IE]><p>y<![endif]>"},
              Row{"processing instruction", "<?php echo '<p>'; ?><p>x<?xml:namespace prefix=o />y"},
@@ -108,6 +111,44 @@ TEST(Document, OddPagesComeBackByteForByte) {
         page->undo();
         EXPECT_EQ(page->html(), row.source);
         EXPECT_FALSE(page->isDirty());
+    }
+}
+
+TEST(Document, TextInCDataIsChangedWhereItStands) {
+    struct Row {
+        const char* text;
+        std::size_t offset, removed;
+        const char* inserted;
+        const char* expected;
+    };
+    const std::string source =
+        "<svg><text>a&amp;<![CDATA[x<y\r\n&z]]>b</text><![CDATA[q]]></svg><p>end";
+    for (const Row& row : {
+             Row{"x<y\n&z", 2, 0, "<w>", "a&amp;<![CDATA[x<<w>y\r\n&z]]>b</text><![CDATA[q]]>"},
+             Row{"x<y\n&z", 3, 1, "", "a&amp;<![CDATA[x<y&z]]>b</text><![CDATA[q]]>"},
+             Row{"x<y\n&z", 6, 0, "]]>", "a&amp;x&lt;y\r\n&amp;z]]&gt;b</text><![CDATA[q]]>"},
+             Row{"a&", 2, 0, "w", "a&amp;w<![CDATA[x<y\r\n&z]]>b</text><![CDATA[q]]>"},
+             Row{"b", 0, 0, "w", "a&amp;<![CDATA[x<y\r\n&z]]>wb</text><![CDATA[q]]>"},
+             Row{"q", 0, 1, "", "a&amp;<![CDATA[x<y\r\n&z]]>b</text><![CDATA[]]>"},
+         }) {
+        SCOPED_TRACE(row.expected);
+        const auto page = Document::parseText(source);
+        Node* text = page->root();
+        while (text && text->data() != row.text)
+            text = text->following();
+        ASSERT_TRUE(text);
+        page->replaceText(*text, row.offset, row.removed, row.inserted);
+        EXPECT_EQ(page->html(), "<svg><text>" + std::string(row.expected) + "</svg><p>end");
+        const auto again = Document::parseText(page->html());
+        EXPECT_EQ(page->innerText(*page->body()), again->innerText(*again->body()));
+        page->undo();
+        page->moveNode(*page->tags("p").front(), *text, nullptr);
+        EXPECT_EQ(page->tags("p").front()->lastChild()->data(), row.text);
+        EXPECT_EQ(page->html().substr(page->html().find("<p>")),
+                  "<p>end" + ReplaceAll(ReplaceAll(ReplaceAll(ReplaceAll(row.text, "&", "&amp;"),
+                                                              "<", "&lt;"),
+                                                   ">", "&gt;"),
+                                        "\n", "\r\n"));
     }
 }
 
@@ -408,6 +449,11 @@ TEST(Document, HostilePagesEndInAPageOrAMessage) {
              Row{"items left open", "<ul>" + repeat("<li>x", 20000), true},
              Row{"cells left open", "<table>" + repeat("<tr><td>x<td>y", 20000), true},
              Row{"options left open", "<select>" + repeat("<option>x", 20000), true},
+             Row{"forms in a form", repeat("<form>", 50000), true},
+             Row{"forms in a form that ends", "<form></form><div>" + repeat("<form><div>", 20000),
+                 false},
+             Row{"blocks in a selection field", "<select>" + repeat("<div>", 50000), true},
+             Row{"tables in a table, but in no cell", repeat("<table>", 50000), true},
              Row{"formatting opened and closed", repeat("<b>x</b>", 20000), true},
              Row{"end tags without start", repeat("</div></b></p>", 20000), true},
              Row{"text out of its table", "<table>" + repeat("x<tr>", 5000), true},

@@ -1,5 +1,6 @@
 #include "platform/dom/Encoding.h"
 
+#include "platform/Text.h"
 #include "platform/dom/Document.h"
 
 namespace pw::dom {
@@ -82,12 +83,51 @@ TEST(Encoding, CharactersThatItLacksBecomeReferences) {
     EXPECT_EQ(encode("\xE2\x98\xBA", {"utf-8", true}), "\xEF\xBB\xBF\xE2\x98\xBA");
 }
 
-TEST(Encoding, WhatEncodesDifferentlyIsKeptWhileUnchanged) {
-    // Two escapes where one would do.
-    const std::string bytes = "<meta charset=iso-2022-jp>\x1B$B\x24\x22\x1B(B\x1B$B\x24\x24\x1B(B";
-    const auto page = Document::parse(bytes);
-    EXPECT_EQ(page->encoding().name, "iso-2022-jp");
-    EXPECT_EQ(page->bytes(), bytes);
+/** Each page has text that its encoding would write otherwise; one link of it is changed. */
+TEST(Encoding, WhatEncodesDifferentlyIsKeptAroundAChange) {
+    struct Row {
+        const char* name;
+        std::string bytes;
+        std::string changed = {};  ///< where it is more than the name
+    };
+    const std::string link = "<a href=old.htm>";
+    for (const Row& row : {
+             Row{"iso-2022-jp, two escapes where one would do",
+                 "<meta charset=iso-2022-jp>\x1B$B\x24\x22\x1B(B\x1B$B\x24\x24\x1B(B" + link +
+                     "\x1B$@\x24\x22\x1B(J\x1B(B<p>\x1B$B\x24\x24"},
+             Row{"iso-2022-jp, a tag in another set",
+                 "<meta charset=iso-2022-jp>\x1B(J" + link + "\x1B$B\x24\x22\x1B(Jx</a>",
+                 "<meta charset=iso-2022-jp>\x1B(J<a href=\x1B(Bnew\x1B(J.htm>\x1B$B\x24\x22\x1B("
+                 "Jx</a>"},
+             Row{"iso-2022-kr without a character of it",
+                 "<meta charset=iso-2022-kr><p>" + link + "x</a>"},
+             Row{"iso-2022-kr, shifted twice",
+                 "<meta charset=iso-2022-kr>\n\x1B$)C\n\x0E\x30\x21\x0F\x0E\x30\x22\x0F" + link +
+                     "\x0E\x30\x21\x0F"},
+             Row{"shift_jis, a character in two places of its table",
+                 "<meta charset=shift_jis>\x81\xE6 \x87\x9A \xED\x40 \xFA\x5C" + link +
+                     "\x87\x9A \x81\xE6</a>"},
+             Row{"big5, a character in two places",
+                 "<meta charset=big5>\xA1\x5A\xA1\xC3 \xA2\xCC \xA4\x51 \xF9\xF9" + link +
+                     "\xA2\xCC</a> \xF9\xFE"},
+             Row{"one tag after the other", "<meta charset=shift_jis>\x87\x9A<b>\xED\x40</b>" +
+                                                link + "<b>\xED\x40</b>" + link + "\x87\x9A"},
+         }) {
+        SCOPED_TRACE(row.name);
+        const auto page = Document::parse(row.bytes);
+        EXPECT_EQ(page->bytes(), row.bytes);
+        ASSERT_FALSE(page->links().empty());
+        for (Node* a : page->links())
+            page->setAttribute(*a, "href", "new.htm");
+        EXPECT_EQ(page->bytes(),
+                  row.changed.empty() ? ReplaceAll(row.bytes, "old.htm", "new.htm") : row.changed);
+        page->insertAdjacentHTML(*page->links().front(), "beforeBegin", "\xE3\x81\x82");
+        const auto again = Document::parse(page->bytes());
+        EXPECT_EQ(again->innerText(*again->body()), page->innerText(*page->body()));
+        while (page->undo()) {
+        }
+        EXPECT_EQ(page->bytes(), row.bytes);
+    }
 }
 
 }  // namespace
