@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "platform/Text.h"
+#include "platform/dom/Units.h"
 #include "platform/dom/ViewBatch.h"
 
 namespace pw::dom {
@@ -498,8 +499,10 @@ Projection::Result Projection::applyBatch(std::string_view json) {
         Document::Step step(impl.document, batch.kind());
         batch.plan(lookup);
         if (!impl.due.empty()) impl.mergeUnseen(batch);
+        UnitGuard units(impl.document, batch);
         batch.apply();
         if (!impl.due.selection) batch.applySelection(lookup);
+        units.mend();
     }
     impl.announced = false;
     impl.announce();
