@@ -217,12 +217,12 @@ void ListVariables(Project& project, bool asJson) {
 
 /** All or nothing: the project file is written when every page could be. */
 void WriteVariablesAndSave(Session& session) {
-    const auto notUpdated =
-        UpdateMergeVariablesInClosedPages(session.Context(), PagesToUpdate::All);
-    if (!notUpdated.empty())
-        throw CommandFailure{"The values can not be written into " + ListOfNames(notUpdated) +
-                             "; nothing was changed."};
+    const VariablesInPages update = UpdateMergeVariablesInPages(session.Context());
+    if (!update.notUpdated.empty())
+        throw CommandFailure{"The values can not be written into " +
+                             ListOfNames(update.notUpdated) + "; nothing was changed."};
     session.Save();
+    if (!update.left.empty()) std::cerr << LeftVariables(update) << "\n";
 }
 
 }  // namespace
@@ -283,6 +283,7 @@ void RunSet(const Invocation& invocation) {
         assignments.push_back(ReadAssignment(word));
     Session session(invocation.profile);
     session.Open(ProjectFromArgument(invocation.ProjectFile()));
+    UpdateProjectMergeVariables(session.Context());  // what pages show now
     for (const auto& assignment : assignments)
         Assign(session.Project(), assignment);
     session.Project().IsDirty = true;

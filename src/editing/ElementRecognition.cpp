@@ -6,9 +6,13 @@
 #include <utility>
 
 #include "frame/Context.h"
-#include "frame/FileTools.h"
+#include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
+#include "platform/dom/RangeEdit.h"
+#include "platform/dom/Tags.h"
 #include "platform/dom/TextRange.h"
+#include "project/EditPage.h"
+#include "project/PageInsertions.h"
 #include "project/ProjectContext.h"
 #include "project/Workspace.h"
 #include "project/omProj/Project.h"
@@ -32,23 +36,21 @@ dom::Node* WalkUp(dom::Node* element, std::string_view target) {
     return element;
 }
 
-/** Runs `edit` on a page's document; that of a closed page is written back. */
-template <typename Edit>
-bool EditAnyPage(ProjectContext& context, const std::string& key, Edit edit) {
-    Page* page = context.project.FindPage(key);
-    if (!page) return false;
-    bool done = false;
-    if (dom::Document* open = DocumentOf(context, key)) {
-        done = edit(*open);
-    } else if (FileExists(context.frame.files, page->Filename)) {
-        const auto closed = dom::Document::parse(ReadTextFile(context.frame.files, page->Filename));
-        done = closed && edit(*closed) &&
-               WriteTextFile(context.frame.files, closed->bytes(), page->Filename);
+/** The element that new content goes behind: the one at the caret, unless that is the body itself
+ * or lies outside of it. */
+dom::Node* ElementToFollow(const dom::Document& document) {
+    dom::Node* caret = document.elementAtCaret();
+    const dom::Node* body = document.body();
+    return caret && caret != body && body->contains(*caret) ? caret : nullptr;
+}
+
+void InsertBehindCaret(dom::Document& document, dom::Node& node) {
+    if (dom::Node* caret = ElementToFollow(document)) {
+        const dom::Position behind{caret->parent(), caret->index() + 1};
+        dom::insertNodesAt(document, behind, {&node});
+    } else {
+        document.insertNode(*document.body(), node, nullptr);
     }
-    if (!done) return false;
-    page->IsDirty = true;
-    context.project.IsDirty = true;
-    return true;
 }
 
 }  // namespace
@@ -91,6 +93,56 @@ bool IsExplorerElement(const dom::Node* element) {
     if (element->isComment()) return true;
     return std::binary_search(std::begin(kTags), std::end(kTags),
                               std::string_view(element->localName()));
+}
+
+Selecting HowSelected(const dom::Node& element) {
+    static constexpr std::string_view kWithoutBox[] = {
+        "area",     "base",  "col",    "colgroup", "comment", "datalist", "frame",    "frameset",
+        "head",     "html",  "link",   "map",      "meta",    "noframes", "noscript", "option",
+        "optgroup", "param", "script", "source",   "style",   "template", "title",    "track"};
+    static constexpr std::string_view kObjects[] = {
+        "applet", "audio",   "button", "canvas", "embed", "hr",       "iframe", "img",
+        "input",  "marquee", "object", "select", "table", "textarea", "video"};
+    const auto isAmong = [&](const auto& tags) {
+        return std::any_of(std::begin(tags), std::end(tags),
+                           [&](auto tag) { return element.is(tag); });
+    };
+    const bool isHidden =
+        element.is("input") && EqualsNoCase(element.getAttribute("type"), "hidden");
+    if (!element.isElement() || isHidden || isAmong(kWithoutBox)) return Selecting::Nothing;
+    return isAmong(kObjects) || dom::isVoid(element) ? Selecting::Object : Selecting::Text;
+}
+
+void SelectElement(dom::Document& document, dom::Node& element) {
+    dom::Selection selection;
+    const dom::Position begin{element.parent(), element.index()};
+    const dom::Position end{element.parent(), element.index() + 1};
+    switch (HowSelected(element)) {
+        case Selecting::Nothing:
+            return;
+        case Selecting::Object:
+            selection = {dom::SelectionType::Control, begin, end, &element};
+            break;
+        case Selecting::Text: {
+            const auto isCell = [](const dom::Node* node) {
+                return node->is("td") || node->is("th");
+            };
+            dom::Node* first = &element;
+            dom::Node* last = &element;
+            if (element.is("tr")) {
+                const auto cells = element.children();
+                const auto from = std::find_if(cells.begin(), cells.end(), isCell);
+                if (from == cells.end()) return;
+                first = *from;
+                last = *std::find_if(cells.rbegin(), cells.rend(), isCell);
+            }
+            selection = {
+                dom::SelectionType::Text, {first, 0}, {last, last->children().size()}, nullptr};
+            if (IsMergeSpan(element)) selection = {dom::SelectionType::Text, begin, end, nullptr};
+            break;
+        }
+    }
+    document.setSelection(selection);
 }
 
 bool IsMergeSpan(const dom::Node& element) {
@@ -159,55 +211,56 @@ void InsertHTMLAtCursor(ProjectContext& context, const std::string& key, const s
     });
 }
 
-void InsertComment(ProjectContext& context, const std::string& text) {
-    Trap(context.frame.errorLog, kModule, "InsertComment", [&] {
-        const std::string key = context.workspace.CurrentPageKey();
-        dom::Node* element = GetElementAtCaret(context, key);
-        dom::Document* document = DocumentOf(context, key);
-        if (!element || !document) return;
-        // Two hyphens would end the comment in the middle of its text.
-        dom::Node* comment = document->createComment(ReplaceAll(text, "--", "- -"));
-        const bool insideOnly = element->is("body") || element->is("html");
-        document->insertAdjacentElement(*element, insideOnly ? "beforeEnd" : "afterEnd", *comment);
-        if (context.frame.settings.ShowCommentsInExplorer) {
-            context.workspace.UpdatePageExplorer(key);
-        }
+Outcome<void> InsertComment(ProjectContext& context, const std::string& text) {
+    const std::string key = context.workspace.CurrentPageKey();
+    Page* page = context.project.FindPage(key);
+    const dom::Document* document = DocumentOf(context, key);
+    if (!page || !document || !document->elementAtCaret())
+        return Problem{
+            "There is no place for the comment. Please open a page and put the caret "
+            "where it is to stand."};
+    // Two hyphens would end the comment in the middle of its text.
+    std::string data = text;
+    while (data.find("--") != data.npos)
+        data = ReplaceAll(data, "--", "- -");
+    if (data.ends_with('-')) data += ' ';
+    const auto edited = EditPage(context, *page, PageStep::OfTheUser, [&](dom::Document& page) {
+        if (!CanHoldInsertions(page)) throw Failure("it has no body");
+        dom::Node* comment = page.createComment(data);
+        InsertBehindCaret(page, *comment);
+        if (!ReadsBack(page, *comment)) throw Failure("the comment would not stay one");
     });
+    if (!edited) return Problem{edited.problem()};
+    if (context.frame.settings.ShowCommentsInExplorer) context.workspace.UpdatePageExplorer(key);
+    return {};
 }
 
-void InsertScript(ProjectContext& context, const std::string& key, ScriptPlace place,
-                  const ScriptText& script) {
-    Trap(context.frame.errorLog, kModule, "InsertScript", [&] {
-        const bool done = EditAnyPage(context, key, [&](dom::Document& document) {
-            dom::Node* body = document.body();
-            if (!body) return false;
-            dom::Node* caret = document.elementAtCaret();
-            const dom::Document::Step step(document);
-            dom::Node* element = document.createElement("script");
-            const auto set = [&](const char* name, const std::string& value) {
-                if (!value.empty()) document.setAttribute(*element, name, value);
-            };
-            set("src", script.source);
-            set("type", script.type);
-            if (script.defer) document.setAttribute(*element, "defer", "");
-            set("id", script.id);
-            if (!script.text.empty()) {
-                document.insertNode(*element, *document.createText(script.text), nullptr);
-            }
-            if (place == ScriptPlace::Head) {
-                document.insertAdjacentElement(*body, "beforeBegin", *element);
-            } else if (caret && !caret->is("body") && !caret->is("html")) {
-                document.insertAdjacentElement(*caret, "afterEnd", *element);
-            } else {
-                document.insertAdjacentElement(*body, "beforeEnd", *element);
-            }
-            return true;
-        });
-        if (done && context.frame.settings.ShowCommentsInExplorer &&
-            context.workspace.FindOpenPage(key)) {
-            context.workspace.UpdatePageExplorer(key);
-        }
+Outcome<void> InsertScript(ProjectContext& context, const std::string& key, ScriptPlace place,
+                           const ScriptText& script) {
+    Page* page = context.project.FindPage(key);
+    if (!page) return Problem{"The page for the script does not exist."};
+    const auto edited = EditPage(context, *page, PageStep::OfTheUser, [&](dom::Document& page) {
+        if (!CanHoldInsertions(page)) throw Failure("it has no body");
+        dom::Node* element = page.createElement("script");
+        const auto set = [&](const char* name, const std::string& value) {
+            if (!value.empty()) page.setAttribute(*element, name, value);
+        };
+        set("src", script.source);
+        set("type", script.type);
+        if (script.defer) page.setAttribute(*element, "defer", "");
+        set("id", script.id);
+        if (!script.text.empty()) page.insertNode(*element, *page.createText(script.text), nullptr);
+        if (place == ScriptPlace::Head)
+            page.insertNode(*page.head(), *element, nullptr);
+        else
+            InsertBehindCaret(page, *element);
+        if (!ReadsBack(page, *element)) throw Failure("the script would not stay one");
     });
+    if (!edited) return Problem{edited.problem()};
+    if (!*edited) return Problem{"The file of page " + QuoteSingle(page->Name) + " is missing."};
+    if (context.frame.settings.ShowCommentsInExplorer && context.workspace.FindOpenPage(key))
+        context.workspace.UpdatePageExplorer(key);
+    return {};
 }
 
 }  // namespace pw

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Outcome.h"
 #include "platform/dom/Document.h"
 
 namespace pw {
@@ -26,6 +27,14 @@ dom::Node* GetParentElement(dom::Document& document, const dom::Node* element,
 /** True for what the page explorer shows, comments among it. */
 bool IsExplorerElement(const dom::Node* element);
 
+/** How a press on the element's node in the page explorer selects it: the text that it holds, as an
+ *  object, or not at all, as it has no box in the page. */
+enum class Selecting { Text, Object, Nothing };
+Selecting HowSelected(const dom::Node& element);
+/** Selects it in that way; of a row, the text of its cells, and a merge variable with all it holds.
+ */
+void SelectElement(dom::Document& document, dom::Node& element);
+
 bool IsMergeSpan(const dom::Node& element);
 /** The word of captions and messages, such as "Table Cell"; "" for elements without one. */
 std::string GetElementTypeName(const dom::Node* element);
@@ -34,8 +43,9 @@ std::string GetElementTypeName(const dom::Node* element);
  *  With an object selected as a whole nothing happens, and the user is told. */
 void InsertHTMLAtCursor(ProjectContext& context, const std::string& key, const std::string& html);
 
-/** Behind the element at the caret of the current page. */
-void InsertComment(ProjectContext& context, const std::string& text);
+/** Behind the element at the caret of the current page. Refuses what would not read back as that
+ *  comment. */
+Outcome<void> InsertComment(ProjectContext& context, const std::string& text);
 
 enum class ScriptPlace { Head, Body };
 struct ScriptText {
@@ -45,8 +55,9 @@ struct ScriptText {
     bool defer = false;
     std::string id;
 };
-/** Into any page of the project, open or closed; a closed one is written back. */
-void InsertScript(ProjectContext& context, const std::string& key, ScriptPlace place,
-                  const ScriptText& script);
+/** Into any page of the project, open or closed; a closed one is written back. Refuses what would
+ * not read back as that script. */
+Outcome<void> InsertScript(ProjectContext& context, const std::string& key, ScriptPlace place,
+                           const ScriptText& script);
 
 }  // namespace pw

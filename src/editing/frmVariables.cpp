@@ -6,6 +6,7 @@
 #include "frame/Context.h"
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
+#include "platform/dom/RangeEdit.h"
 #include "project/MergeVariables.h"
 #include "project/Workspace.h"
 #include "project/frmNameValue.h"
@@ -25,13 +26,33 @@ int FindName(const ListView& list, const std::string& name, int exceptRow = -1) 
 }
 
 /** An anchor can not stand in another one, and what is put into a variable goes with its next
- *  value: the caret moves behind the anchor that holds it. */
+ *  value: the caret moves behind the anchor that holds it. Selected text of a link gives way to the
+ *  variable, with the link's halves on both sides. */
 void LeaveAnchor(dom::Document& document) {
-    if (document.selection().type == dom::SelectionType::Control) return;
+    if (document.selection().type != dom::SelectionType::Text) return;
+    const bool isSelected = !document.selection().collapsed();
+    document.deleteSelection();
     dom::Node* anchor = document.elementAtCaret();
     while (anchor && !anchor->is("a"))
         anchor = anchor->parentElement();
-    if (anchor && anchor->parent()) document.collapse({anchor->parent(), anchor->index() + 1});
+    if (!anchor || !anchor->parent()) return;
+    dom::Node& parent = *anchor->parent();
+    dom::Node* next = anchor->next();
+    if (isSelected && !IsMergeSpan(*anchor))
+        next = dom::splitElements(document, document.selection().focus, parent);
+    const auto isBlank = [](const dom::Node* node) {
+        if (!node || !node->is("a") || node->hasAttribute("name") || node->hasAttribute("id"))
+            return false;
+        const auto children = node->children();
+        return std::all_of(children.begin(), children.end(), [](const dom::Node* child) {
+            return child->isText() && child->data().empty();
+        });
+    };
+    document.collapse({&parent, next ? next->index() : parent.children().size()});
+    // A link without a text is none.
+    if (isSelected && isBlank(next ? next->previous() : parent.lastChild()))
+        document.removeNode(next ? *next->previous() : *parent.lastChild());
+    if (isSelected && isBlank(next)) document.removeNode(*next);
 }
 
 }  // namespace
@@ -125,10 +146,11 @@ void frmVariables::InsertSelected() {
     const std::string& value = row.cells[1];
     if (name.empty() || value.empty()) return;
     const std::string key = context_.workspace.CurrentPageKey();
-    if (OpenPage* open = context_.workspace.FindOpenPage(key)) {
-        open->TakeOverEdits();
-        LeaveAnchor(open->Document());
-    }
+    OpenPage* open = context_.workspace.FindOpenPage(key);
+    if (!open) return;
+    open->TakeOverEdits();
+    const dom::Document::Step step(open->Document());
+    LeaveAnchor(open->Document());
     InsertHTMLAtCursor(context_, key, VariableMarkup(name, value));
 }
 
@@ -193,22 +215,16 @@ void frmVariables::WriteChanges() {
 }
 
 void frmVariables::WriteCustomVariables() {
-    MergeVariables& variables = context_.project.MergeVariables();
-    std::vector<std::vector<std::string>> before;
-    for (const MergeVariable& variable : variables)
+    std::vector<VariableValue> before;
+    std::vector<VariableValue> wanted;
+    for (const MergeVariable& variable : context_.project.MergeVariables())
         if (variable.Type == "C") before.push_back({variable.Name, variable.Value});
-    RemoveVariablesOfType(context_, "C");
-    bool isChanged = int(before.size()) != lvwCustom.Count();
     for (int i = 0; i < lvwCustom.Count(); ++i) {
         const ListRow row = lvwCustom.Row(i);
-        isChanged = isChanged || before[std::size_t(i)] != row.cells;
-        MergeVariable* variable = variables.Add();
-        if (!variable) throw Failure(context_.project.LastMessage());
-        variable->Type = "C";
-        variable->Name = row.cells[0];
-        variable->Value = row.cells[1];
+        wanted.push_back({row.cells[0], row.cells[1]});
     }
-    if (isChanged) context_.project.IsDirty = true;
+    ReplaceVariablesOfType(context_, "C", wanted);
+    if (before != wanted) context_.project.IsDirty = true;
 }
 
 }  // namespace pw

@@ -47,6 +47,7 @@ void NoteSaved(MainContext& context, bool saved) {
 }  // namespace
 
 void EditProjectProperties(MainContext& context) {
+    UpdateProjectMergeVariables(context.project);  // what pages show now
     frmProject dialog(context.project);
     context.frame.dialogs.ShowModal(dialog);
     if (!dialog.Confirmed()) return;

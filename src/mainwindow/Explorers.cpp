@@ -13,7 +13,6 @@
 #include "mainwindow/frmDocument.h"
 #include "mainwindow/frmMDIMain.h"
 #include "platform/Text.h"
-#include "platform/dom/TextRange.h"
 #include "project/Folders.h"
 #include "project/Pages.h"
 #include "project/Tasks.h"
@@ -201,14 +200,7 @@ void SelectPageNode(MainContext& context, const std::string& nodeKey) {
             dom::Node* element = dom.all()[index];
             context.SetCurrentElement(element, document);
             if (editor.Surface()) editor.Surface()->ScrollIntoView(*element);
-            const bool invisible =
-                element->isComment() || element->is("meta") || element->is("comment");
-            if (!invisible) {
-                if (dom.selection().type == dom::SelectionType::Control) dom.setSelection({});
-                dom::TextRange range(dom);
-                range.moveToElementText(*element);
-                range.select();
-            }
+            SelectElement(dom, *element);
         }
     });
     context.SelectingFromExplorer = false;

@@ -7,9 +7,13 @@
 #include "frame/FunctionLibrary.h"
 #include "platform/Text.h"
 #include "platform/dom/Escape.h"
+#include "platform/dom/FlatText.h"
+#include "platform/dom/RangeEdit.h"
 #include "platform/dom/TagScan.h"
-#include "project/Pages.h"
-#include "project/Workspace.h"
+#include "platform/dom/Tags.h"
+#include "platform/dom/Writer.h"
+#include "project/EditPage.h"
+#include "project/omProj/Project.h"
 
 namespace pw {
 
@@ -99,24 +103,89 @@ const MergeVariable* FindVariable(const ProjectContext& context, std::string_vie
     return nullptr;
 }
 
-/** Brings one anchor up to date; true when it changed. */
-bool UpdateAnchor(dom::Document& document, dom::Node& anchor, const MergeVariable& variable,
-                  bool buildMode) {
-    const bool dissolve = buildMode && variable.Type == kCustom;
-    if (document.innerText(anchor) != variable.Value) {
-        const std::string markup = EscapeHTML(variable.Value);
-        if (dissolve) {
-            document.setOuterHTML(anchor, markup);
-        } else {
-            if (document.innerHTML(anchor) == markup) return false;
-            document.setInnerHTML(anchor, markup);
-        }
-        return true;
-    }
-    if (!dissolve) return false;
-    document.setOuterHTML(anchor, document.innerHTML(anchor));
-    return true;
+// --- One anchor ---------------------------------------------------------------------------------
+
+bool HoldsBlock(const dom::Node& anchor) {
+    for (const dom::Node* node = anchor.following(&anchor); node; node = node->following(&anchor))
+        if (node->isElement() && dom::isBlockTag(node->localName())) return true;
+    return false;
 }
+
+/** What of an anchor's text is the value, and so is replaced: the bytes [begin, end). */
+struct Stretch {
+    std::size_t begin;
+    std::size_t end;
+};
+
+/** A number that begins or ends with another one is not that one. */
+bool IsWithinNumber(const std::string& text, std::size_t at) {
+    const auto isDigit = [&](std::size_t i) { return text[i] >= '0' && text[i] <= '9'; };
+    return at > 0 && at < text.size() && isDigit(at - 1) && isDigit(at);
+}
+
+/** Finds the value in a text that goes on in front of it or behind it. All of the text is the value
+ *  when it holds none that the variable has or had at an end. */
+Stretch ValueIn(const std::string& text, const MergeVariable& variable) {
+    std::vector<std::string> values = variable.Former;
+    values.push_back(variable.Value);
+    // The longest first: one value may begin with another.
+    std::stable_sort(values.begin(), values.end(),
+                     [](const auto& a, const auto& b) { return a.size() > b.size(); });
+    for (const std::string& value : values)
+        if (value == text) return {0, text.size()};
+    for (const std::string& value : values) {
+        if (value.empty() || value.size() > text.size()) continue;
+        const std::size_t rest = text.size() - value.size();
+        if (text.starts_with(value) && !IsWithinNumber(text, value.size()))
+            return {0, value.size()};
+        if (text.ends_with(value) && !IsWithinNumber(text, rest)) return {rest, text.size()};
+    }
+    return {0, text.size()};
+}
+
+/** What stands in the anchor besides its value comes to stand beside it. */
+void MoveRestOut(dom::Document& document, dom::Node& anchor, const MergeVariable& variable) {
+    const dom::FlatText flat = dom::flatten(anchor);
+    const Stretch value = ValueIn(flat.text, variable);
+    dom::Node& parent = *anchor.parent();
+    if (value.end < flat.text.size()) {
+        dom::Node* rest = dom::splitElements(document, flat.endAt(value.end), anchor);
+        dom::Node* place = anchor.next();
+        while (rest) {
+            dom::Node* next = rest->next();
+            document.moveNode(parent, *rest, place);
+            rest = next;
+        }
+    }
+    if (value.begin > 0) {
+        const dom::Node* kept = dom::splitElements(document, flat.positionAt(value.begin), anchor);
+        while (anchor.firstChild() && anchor.firstChild() != kept)
+            document.moveNode(parent, *anchor.firstChild(), &anchor);
+    }
+}
+
+enum class AnchorUpdate { None, Changed, Left };
+
+AnchorUpdate UpdateAnchor(dom::Document& document, dom::Node& anchor, const MergeVariable& variable,
+                          bool buildMode) {
+    const bool dissolve = buildMode && variable.Type == kCustom;
+    if (document.innerText(anchor) == variable.Value) {
+        if (!dissolve) return AnchorUpdate::None;
+        document.setOuterHTML(anchor, document.innerHTML(anchor));
+        return AnchorUpdate::Changed;
+    }
+    const std::string markup = EscapeHTML(variable.Value);
+    if (!dissolve && document.innerHTML(anchor) == markup) return AnchorUpdate::None;
+    if (HoldsBlock(anchor) || !dom::Writer::hasEndTag(anchor)) return AnchorUpdate::Left;
+    MoveRestOut(document, anchor, variable);
+    if (dissolve)
+        document.setOuterHTML(anchor, markup);
+    else if (document.innerHTML(anchor) != markup)
+        document.setInnerHTML(anchor, markup);
+    return AnchorUpdate::Changed;
+}
+
+// --- Pages --------------------------------------------------------------------------------------
 
 /** Whether an anchor in the text of a page may show something else than its variable's value. */
 bool MayBeStale(const ProjectContext& context, std::string_view page, const dom::TagInText& tag) {
@@ -145,18 +214,15 @@ bool MayHoldStaleVariable(const ProjectContext& context, std::string_view bytes)
     return !scan.isComplete();
 }
 
-void UpdateClosedPage(ProjectContext& context, Page& page, std::string& bytes) {
-    FileSystem& files = context.frame.files;
-    const FileError read = files.Read(page.Filename, bytes);
-    if (read == FileError::NotFound) return;
-    if (read != FileError::None) throw Failure(page.Filename + ": " + Describe(read));
-    if (!MayHoldStaleVariable(context, bytes)) return;
-    const auto document = dom::Document::parse(bytes);
-    if (!document || UpdateMergeVariablesOnThisPage(context, *document) == 0) return;
-    const FileError written = files.Write(page.Filename, document->bytes());
-    if (written != FileError::None) throw Failure(page.Filename + ": " + Describe(written));
-    page.IsDirty = true;
-    context.project.IsDirty = true;
+/** As many as an open page can be behind, and more. */
+constexpr std::size_t kMostFormerValues = 16;
+
+void GiveValue(MergeVariable& variable, std::string value) {
+    if (value == variable.Value) return;
+    std::erase(variable.Former, variable.Value);
+    variable.Former.push_back(std::move(variable.Value));
+    if (variable.Former.size() > kMostFormerValues) variable.Former.erase(variable.Former.begin());
+    variable.Value = std::move(value);
 }
 
 }  // namespace
@@ -192,11 +258,15 @@ std::string SetCustomVariable(ProjectContext& context, std::string_view name,
     if (!variable && customs >= kMostCustomVariables)
         return "A project holds at most " + std::to_string(kMostCustomVariables) +
                " custom variables. Please remove one that is no longer used.";
-    if (!variable) variable = variables.Add();
-    if (!variable) return context.project.LastMessage();
-    variable->Type = kCustom;
-    variable->Name = wanted;
-    variable->Value = ReplaceAll(ReplaceAll(Trim(value), "\r\n", "\n"), "\n", "\r\n");
+    const std::string text = ReplaceAll(ReplaceAll(Trim(value), "\r\n", "\n"), "\n", "\r\n");
+    if (variable) {
+        variable->Name = wanted;
+        GiveValue(*variable, text);
+    } else {
+        variable = variables.Add();
+        if (!variable) return context.project.LastMessage();
+        *variable = {std::string(kCustom), wanted, text, {}};
+    }
     context.project.IsDirty = true;
     return {};
 }
@@ -213,74 +283,98 @@ void RemoveVariablesOfType(ProjectContext& context, std::string_view type) {
         if (variables.Item(i)->Type == type) variables.Remove(i);
 }
 
+void ReplaceVariablesOfType(ProjectContext& context, std::string_view type,
+                            const std::vector<VariableValue>& wanted) {
+    MergeVariables& variables = context.project.MergeVariables();
+    std::vector<MergeVariable> before;
+    for (const MergeVariable& variable : variables)
+        if (variable.Type == type) before.push_back(variable);
+    RemoveVariablesOfType(context, type);
+    for (const auto& [name, value] : wanted) {
+        MergeVariable* variable = variables.Add();
+        if (!variable) throw Failure(context.project.LastMessage());
+        const auto known = std::find_if(before.begin(), before.end(), [&](const auto& each) {
+            return EqualsNoCase(each.Name, name);
+        });
+        if (known != before.end())
+            *variable = *known;
+        else
+            variable->Value = value;
+        variable->Type = type;
+        variable->Name = name;
+        GiveValue(*variable, value);
+    }
+}
+
 void UpdateProjectMergeVariables(ProjectContext& context) {
     Trap(context.frame.errorLog, kModule, "UpdateProjectMergeVariables", [&] {
-        RemoveVariablesOfType(context, kStandard);
-        for (const auto& standard : kStandardVariables) {
-            MergeVariable* variable = context.project.MergeVariables().Add();
-            if (!variable) return;
-            variable->Type = kStandard;
-            variable->Name = standard.name;
-            variable->Value = standard.value(context);
-        }
+        std::vector<VariableValue> values;
+        for (const auto& standard : kStandardVariables)
+            values.push_back({standard.name, standard.value(context)});
+        ReplaceVariablesOfType(context, kStandard, values);
     });
 }
 
-int UpdateMergeVariablesOnThisPage(ProjectContext& context, dom::Document& document) {
-    return Trap(context.frame.errorLog, kModule, "UpdateMergeVariablesOnThisPage", 0, [&] {
-        int changed = 0;
-        const auto anchors = document.tags("A");
-        const dom::Document::Step step(document);
-        // From the last, since an anchor may vanish with the one that holds it.
-        for (auto at = anchors.rbegin(); at != anchors.rend(); ++at) {
-            dom::Node& anchor = **at;
-            if (!document.isConnected(&anchor)) continue;
-            if (!EqualsNoCase(anchor.getAttribute("type"), kAnchorType)) continue;
-            const MergeVariable* variable = FindVariable(context, anchor.getAttribute("name"));
-            if (variable && UpdateAnchor(document, anchor, *variable, context.project.BuildMode))
-                ++changed;
-        }
-        return changed;
-    });
-}
-
-std::vector<std::string> UpdateMergeVariablesInClosedPages(ProjectContext& context,
-                                                           PagesToUpdate which) {
-    std::vector<std::string> notUpdated;
-    std::string bytes;
-    for (const PageIndexEntry& entry : context.project.PageIndex()) {
-        const bool isOpen = context.workspace.FindOpenPage(entry.Key()) != nullptr;
-        if (which == PagesToUpdate::ClosedOnly && isOpen) continue;
-        bool isDone = false;
-        Trap(context.frame.errorLog, kModule, "UpdateMergeVariablesInClosedPages", [&] {
-            UpdateClosedPage(context, *entry.Item, bytes);
-            isDone = true;
+VariablesOnPage UpdateMergeVariablesOnThisPage(ProjectContext& context, dom::Document& document) {
+    return Trap(
+        context.frame.errorLog, kModule, "UpdateMergeVariablesOnThisPage", VariablesOnPage(), [&] {
+            VariablesOnPage result;
+            const auto anchors = document.tags("A");
+            const dom::Document::Step step(document);
+            // From the last, since an anchor may vanish with the one that holds it.
+            for (auto at = anchors.rbegin(); at != anchors.rend(); ++at) {
+                dom::Node& anchor = **at;
+                if (!document.isConnected(&anchor)) continue;
+                if (!EqualsNoCase(anchor.getAttribute("type"), kAnchorType)) continue;
+                const MergeVariable* variable = FindVariable(context, anchor.getAttribute("name"));
+                if (!variable) continue;
+                const auto update =
+                    UpdateAnchor(document, anchor, *variable, context.project.BuildMode);
+                if (update == AnchorUpdate::Changed) ++result.changed;
+                if (update == AnchorUpdate::Left) result.left.push_back(variable->Name);
+            }
+            return result;
         });
-        if (!isDone) notUpdated.push_back(entry.Item->Name);
-    }
-    return notUpdated;
 }
 
-void UpdateMergeVariablesInOpenPages(ProjectContext& context) {
-    for (OpenPage* open : context.workspace.OpenPages()) {
-        open->TakeOverEdits();
-        if (UpdateMergeVariablesOnThisPage(context, open->Document()) == 0) continue;
-        context.project.IsDirty = true;
-        if (Page* page = GetPage(context, open->PageKey())) page->IsDirty = true;
-        // The other views show copies of the page.
-        if (open->CurrentViewState() != ViewState::Normal)
-            static_cast<void>(open->SetHTML(open->Document().html()));
-    }
+VariablesInPages UpdateMergeVariablesInPages(ProjectContext& context) {
+    VariablesInPages result;
+    EditedPages edited = EditAllPages(
+        context, PageStep::OfTheProject,
+        [&](Page& page, dom::Document& document) {
+            const auto onPage = UpdateMergeVariablesOnThisPage(context, document);
+            for (const std::string& name : onPage.left)
+                result.left.push_back(QuoteSingle(name) + " on page " + QuoteSingle(page.Name));
+        },
+        [&](const Page&, std::string_view bytes) { return MayHoldStaleVariable(context, bytes); });
+    result.notUpdated = std::move(edited.left);
+    result.problems = std::move(edited.problems);
+    return result;
+}
+
+std::string LeftVariables(const VariablesInPages& update) {
+    if (update.left.empty()) return {};
+    std::string text =
+        "These merge variables were left as they are, because they reach over whole paragraphs or "
+        "have no end:";
+    for (const std::string& variable : update.left)
+        text += "\n" + variable;
+    return text + "\n\nPlease remove them from the page and insert them anew.";
 }
 
 void UpdateMergeVariablesInAllPages(ProjectContext& context, const std::string& title) {
-    UpdateMergeVariablesInOpenPages(context);
-    const auto notUpdated = UpdateMergeVariablesInClosedPages(context, PagesToUpdate::ClosedOnly);
-    if (notUpdated.empty()) return;
-    context.frame.dialogs.MsgBox({"The merge variables could not be brought up to date on " +
-                                      ListOfNames(notUpdated) +
-                                      ".\n\nPlease make room on the disk and try again.",
-                                  title, Icon::Exclamation});
+    const VariablesInPages update = UpdateMergeVariablesInPages(context);
+    const auto tell = [&](const std::string& text) {
+        context.frame.dialogs.MsgBox({text, title, Icon::Exclamation});
+    };
+    if (!update.notUpdated.empty()) {
+        std::string text = "The merge variables could not be brought up to date on " +
+                           ListOfNames(update.notUpdated) + ".\n";
+        for (const std::string& problem : update.problems)
+            text += "\n" + problem;
+        tell(text + "\n\nPlease mend this and close the merge variables once more.");
+    }
+    if (!update.left.empty()) tell(LeftVariables(update));
 }
 
 std::string EscapeHTML(std::string_view text) {

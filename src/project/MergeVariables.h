@@ -28,17 +28,40 @@ std::string VariableMarkup(std::string_view name, std::string_view value);
 /** Rebuilds the standard variables from the project's properties, behind the custom ones. */
 void UpdateProjectMergeVariables(ProjectContext& context);
 
-/** Brings the variables in a document up to date; the number of anchors that changed. */
-int UpdateMergeVariablesOnThisPage(ProjectContext& context, dom::Document& document);
+struct VariableValue {
+    std::string name;
+    std::string value;
+    bool operator==(const VariableValue&) const = default;
+};
+/** Gives the project these variables in place of all of that type, at the end of the list. What
+ * those of the same name showed before is remembered: pages may still show it. */
+void ReplaceVariablesOfType(ProjectContext& context, std::string_view type,
+                            const std::vector<VariableValue>& wanted);
 
-enum class PagesToUpdate { All, ClosedOnly };
-/** Only files whose variables changed are written, and only those that hold one with another text
- *  are parsed. Returns the names of pages that could not be brought up to date. */
-std::vector<std::string> UpdateMergeVariablesInClosedPages(ProjectContext& context,
-                                                           PagesToUpdate which);
-/** As an undo step of each page whose variables changed. */
-void UpdateMergeVariablesInOpenPages(ProjectContext& context);
-/** In open and closed pages; tells the user under that title when some could not be written. */
+struct VariablesOnPage {
+    int changed = 0;
+    std::vector<std::string> left;  ///< names of variables whose anchors can't be written
+};
+/**
+ * Brings the variables in a document up to date. A value takes the place of what its anchor holds;
+ * but where that begins or ends with the value, or with one that the variable had before, and goes
+ * on, the rest is moved out beside the anchor first. An anchor that holds blocks, or that the
+ * parser had to close, is left as it is.
+ */
+VariablesOnPage UpdateMergeVariablesOnThisPage(ProjectContext& context, dom::Document& document);
+
+struct VariablesInPages {
+    std::vector<std::string> notUpdated;  ///< names of pages that could not be written
+    std::vector<std::string> problems;    ///< why, in the same order
+    std::vector<std::string> left;        ///< "'Slogan' on page 'Home'"
+};
+/** In open pages, which is no undo step of theirs, and in the files of closed ones. Only files
+ * whose variables changed are written, and only those that hold one with another text are parsed.
+ */
+VariablesInPages UpdateMergeVariablesInPages(ProjectContext& context);
+/** What became of those in `left`, for the user; "" when there are none. */
+std::string LeftVariables(const VariablesInPages& update);
+/** As UpdateMergeVariablesInPages; tells the user under that title what could not be done. */
 void UpdateMergeVariablesInAllPages(ProjectContext& context, const std::string& title);
 
 /** `type` is "S" for the standard and "C" for the custom ones. */

@@ -11,6 +11,7 @@
 #include "project/EditPage.h"
 #include "project/FramesetMask.h"
 #include "project/Journal.h"
+#include "project/PageInsertions.h"
 #include "project/Paths.h"
 #include "project/References.h"
 #include "project/RemovedFiles.h"
@@ -385,19 +386,19 @@ int GetUniqueFilename(const FileSystem& files, std::string_view prefix, std::str
     return number;
 }
 
-bool InsertHTMLAtBottom(ProjectContext& context, std::string_view key, std::string_view html) {
-    return Trap(context.frame.errorLog, "UIFunctions.", "InsertHTMLAtBottom", false, [&] {
-        Page* page = GetPage(context, key);
-        if (!page) return false;
-        const auto edited =
-            EditPage(context, *page, PageStep::OfTheUser, [&](dom::Document& document) {
-                if (!document.body()) throw Failure("it has no body");
-                document.insertAdjacentHTML(*document.body(), "beforeEnd", html);
-            });
-        if (!edited || !*edited) return false;
-        const bool isOpen = context.workspace.FindOpenPage(page->Key()) != nullptr;
-        return !isOpen || SavePageFile(context, *page);
+Outcome<void> InsertHTMLAtBottom(ProjectContext& context, std::string_view key,
+                                 std::string_view html) {
+    Page* page = GetPage(context, key);
+    if (!page) return Problem{"The page for the new content does not exist."};
+    const auto edited = EditPage(context, *page, PageStep::OfTheUser, [&](dom::Document& document) {
+        if (!AppendToBody(document, html)) throw Failure("the new content has no place at its end");
     });
+    if (!edited) return Problem{edited.problem()};
+    if (!*edited) return Problem{"The file of page " + QuoteSingle(page->Name) + " is missing."};
+    std::string reason;
+    if (context.workspace.FindOpenPage(page->Key()) && !SavePageFile(context, *page, &reason))
+        return Problem{reason};
+    return {};
 }
 
 }  // namespace pw

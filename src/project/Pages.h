@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "platform/FileSystem.h"
+#include "platform/Outcome.h"
 #include "platform/dom/Document.h"
 #include "project/ProjectContext.h"
 #include "project/omProj/Project.h"
@@ -93,8 +94,10 @@ std::string GetPageText(ProjectContext& context, std::string_view key);
 int GetUniqueFilename(const FileSystem& files, std::string_view prefix, std::string_view extension,
                       std::string_view folder);
 
-/** Adds markup at the end of the body of an open or closed page; true when it is written. */
-bool InsertHTMLAtBottom(ProjectContext& context, std::string_view key, std::string_view html);
+/** Adds markup at the end of the body of an open or closed page, and writes the page. Refuses what
+ *  would not read back as it is. */
+Outcome<void> InsertHTMLAtBottom(ProjectContext& context, std::string_view key,
+                                 std::string_view html);
 
 /** Computer name, a backslash, login name: whoever changes a page or a project now. */
 std::string CurrentAuthor(const ProjectContext& context);

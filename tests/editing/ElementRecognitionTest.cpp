@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/Text.h"
+#include "platform/dom/TextRange.h"
 #include "project/Pages.h"
+#include "support/MarkupSelection.h"
 #include "support/TestProgram.h"
 
 namespace pw {
@@ -96,23 +99,110 @@ TEST(ElementRecognition, WritesIntoOpenAndClosedPages) {
     dom::Document& document = program.page().Document();
     document.collapse({document.tags("p").front(), 0});
     program.frame().settings.ShowCommentsInExplorer = true;
-    InsertComment(project, "a -- b");
+    EXPECT_TRUE(InsertComment(project, "a -- b"));
     EXPECT_NE(document.html().find("</p><!--a - - b-->"), std::string::npos) << document.html();
-    InsertScript(project, key, ScriptPlace::Head, {"s.js", "", "", true, "one"});
-    EXPECT_NE(document.html().find("s.js"), std::string::npos);
-    EXPECT_EQ(document.elementById("one")->parent(), document.documentElement());
+    EXPECT_TRUE(InsertScript(project, key, ScriptPlace::Head, {"s.js", "", "", true, "one"}));
+    EXPECT_EQ(document.elementById("one")->parent(), document.head());
     EXPECT_TRUE(document.undo());
     EXPECT_EQ(document.elementById("one"), nullptr);
 
     program.page().CloseWindow();
     program.Settle();
     program.project().IsDirty = false;
-    InsertScript(project, key, ScriptPlace::Body, {"", "f();", "text/javascript", false, ""});
+    EXPECT_TRUE(
+        InsertScript(project, key, ScriptPlace::Body, {"", "f();", "text/javascript", false, ""}));
     const std::string file = ReadTextFile(program.frame().files, GetPage(project, key)->Filename);
     EXPECT_NE(file.find("<script type=\"text/javascript\">f();</script>"), std::string::npos)
         << file;
     EXPECT_TRUE(program.project().IsDirty) << "the file is the project's";
     EXPECT_EQ(GetElementAtCaret(project, key), nullptr);
+}
+
+TEST(ElementRecognition, InsertionsReadBackOrAreRefused) {
+    test::TestProgram program;
+    program.Press(3);
+    ProjectContext& project = program.window().ProjectState();
+    const std::string key = program.context().CurrentPageKey;
+    dom::Document& document = program.page().Document();
+    const auto caretIn = [&](const std::string& tag) {
+        EXPECT_TRUE(program.page().SetHTML(
+            "<html><head><title>t</title></head><body><table><tr><td>c</td></tr></table>"
+            "<select><option>o</select><p>x</p></body></html>"));
+        document.collapse({document.tags(tag).at(0), 0});
+        return document.html();
+    };
+    // 1. Comments, at places where one can stand and with texts that would end one.
+    for (const char* text : {"plain", "---", "a ---- b-", "", " -", "two\r\nlines", "<p>&amp;"}) {
+        for (const char* tag : {"p", "td", "option", "tr", "title", "html"}) {
+            caretIn(tag);
+            EXPECT_TRUE(InsertComment(project, text)) << tag << " " << text;
+            ASSERT_EQ(document.tags("!").size(), 1u) << document.html();
+            const auto again = dom::Document::parseText(document.html());
+            ASSERT_EQ(again->tags("!").size(), 1u) << again->html();
+            EXPECT_TRUE(again->body()->contains(*again->tags("!")[0])) << again->html();
+            EXPECT_EQ(again->tags("!")[0]->data(), document.tags("!")[0]->data());
+        }
+    }
+    for (const char* text : {">", "->", "a<!--b"}) {
+        const std::string before = caretIn("p");
+        if (const auto outcome = InsertComment(project, text); !outcome)
+            EXPECT_EQ(document.html(), before) << outcome.problem();
+        else
+            EXPECT_EQ(dom::Document::parseText(document.html())->tags("!").size(), 1u);
+    }
+    // 2. Scripts.
+    for (const char* tag : {"p", "td", "option", "html"}) {
+        caretIn(tag);
+        EXPECT_TRUE(InsertScript(project, key, ScriptPlace::Body, {"", "a < b;", "", false, "s"}));
+        const auto again = dom::Document::parseText(document.html());
+        ASSERT_TRUE(again->elementById("s")) << document.html();
+        EXPECT_TRUE(again->body()->contains(*again->elementById("s"))) << document.html();
+    }
+    const std::string before = caretIn("p");
+    for (const char* text : {"f('</script>')", "<!-- <script>"}) {
+        EXPECT_FALSE(InsertScript(project, key, ScriptPlace::Body, {"", text, "", false, ""}));
+        EXPECT_EQ(document.html(), before);
+    }
+}
+
+TEST(ElementRecognition, SelectsElementsAsWhatTheyAre) {
+    const struct {
+        const char* markup;
+        const char* tag;
+        const char* selected;
+    } rows[] = {
+        {"<p>a<b>c</b></p>", "b", "<p>a<b>^c|</b></p>"},
+        {"<p>a<hr>", "hr", "OBJECT"},
+        {"<p><input>", "input", "OBJECT"},
+        {"<p><img>", "img", "OBJECT"},
+        {"<select><option>a</select>", "select", "OBJECT"},
+        {"<textarea>a</textarea>", "textarea", "OBJECT"},
+        {"<table><tr><td>a</table>", "table", "OBJECT"},
+        {"<object><p>a</object>", "object", "OBJECT"},
+        {"<p>a<input type=Hidden>", "input", "NOTHING"},
+        {"<script>f()</script>", "script", "NOTHING"},
+        {"<style>p{}</style>", "style", "NOTHING"},
+        {"<table><tbody><tr><td>a</td><td>b</td></tr></tbody></table>", "tr",
+         "<table><tbody><tr><td>^a</td><td>b|</td></tr></tbody></table>"},
+        {"<p>a<a type=\"omMerge\">b</a></p>", "a", "<p>a^<a type=\"omMerge\">b</a>|</p>"},
+    };
+    for (const auto& row : rows) {
+        const auto page = test::pageOf(row.markup);
+        dom::Node* element = page->tags(row.tag).at(0);
+        SelectElement(*page, *element);
+        const dom::Selection& selection = page->selection();
+        if (selection.type == dom::SelectionType::Text) {
+            // The texts at the ends are written with the marks in them.
+            const std::string marked =
+                ReplaceAll(ReplaceAll(test::markupOf(*page), "|", ""), "^", "");
+            EXPECT_EQ(marked, ReplaceAll(ReplaceAll(row.selected, "|", ""), "^", "")) << row.markup;
+            EXPECT_EQ(dom::TextRange::fromSelection(*page).text(),
+                      dom::TextRange::fromSelection(*test::pageOf(row.selected)).text());
+        } else {
+            EXPECT_STREQ(selection.control == element ? "OBJECT" : "NOTHING", row.selected)
+                << row.markup;
+        }
+    }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "editing/frmVariables.h"
 
+#include "platform/Text.h"
 #include "project/MergeVariables.h"
 #include "project/frmNameValue.h"
 #include "project/frmProject.h"
@@ -91,7 +92,7 @@ TEST_F(VariablesTest, InsertsAtTheCaret) {
     });
     EXPECT_EQ(document.innerHTML(*document.body()),
               "<p id=p>te<A type=omMerge name=\"R&amp;D\">a &lt; b</A>xt</p>");
-    EXPECT_EQ(UpdateMergeVariablesOnThisPage(context, document), 0);
+    EXPECT_EQ(UpdateMergeVariablesOnThisPage(context, document).changed, 0);
 
     // Not into a link or another variable, which would swallow it with its next value.
     for (const char* holder : {"<a href=x>link</a>", "<a type=omMerge name=Year>2026</a>"}) {
@@ -106,6 +107,38 @@ TEST_F(VariablesTest, InsertsAtTheCaret) {
         const std::string inserted = "<A type=omMerge name=\"R&amp;D\">a &lt; b</A>";
         EXPECT_EQ(document.innerHTML(*document.body()),
                   std::string("<p>") + holder + inserted + inserted + "</p>");
+    }
+}
+
+TEST_F(VariablesTest, TakeThePlaceOfSelectedTextInALink) {
+    ASSERT_EQ(SetCustomVariable(context, "V", "v"), "");
+    Page* page = Insert("page", "<p>text</p>", {}, ShowInsertedPage::Yes);
+    dom::Document& document = *workspace.Find(page->Key())->document;
+    const struct {
+        std::size_t from;
+        std::size_t to;
+        const char* after;
+    } rows[] = {
+        {0, 4, "<p>a[]<a href=x>link</a>b</p>"},
+        {4, 8, "<p>a<a href=x>text</a>[]b</p>"},
+        {2, 6, "<p>a<a href=x>te</a>[]<a href=x>nk</a>b</p>"},
+        {0, 8, "<p>a[]b</p>"},
+    };
+    for (const auto& row : rows) {
+        document.setInnerHTML(*document.body(), "<p>a<a href=x>textlink</a>b</p>");
+        const std::string before = document.html();
+        dom::Node* text = document.tags("a").at(0)->firstChild();
+        document.setSelection(
+            {dom::SelectionType::Text, {text, row.from}, {text, row.to}, nullptr});
+        Show([&](frmVariables& dialog) {
+            dialog.Select("V");
+            dialog.cmdVariable[kInsert].UserClick();
+        });
+        const std::string after =
+            ReplaceAll(document.innerHTML(*document.body()), "href=\"x\"", "href=x");
+        EXPECT_EQ(after, ReplaceAll(row.after, "[]", "<A type=omMerge name=\"V\">v</A>"));
+        EXPECT_TRUE(document.undo());
+        EXPECT_EQ(document.html(), before) << "one step";
     }
 }
 

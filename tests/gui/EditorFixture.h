@@ -81,6 +81,7 @@ class EditorFixture : public testing::Test {
             .toStdString();
     }
 
+  public:
     /** The document's tree in the same form. */
     static std::string tree(const dom::Node& node) {
         if (node.isText()) return '"' + node.data() + '"';
@@ -102,6 +103,8 @@ class EditorFixture : public testing::Test {
             text += tree(*child);
         return node.isElement() ? text + "</>" : text;
     }
+
+  protected:
     std::string documentTree() { return tree(*document->root()); }
 
     /** Puts the caret into the first text that holds `mark`, behind it. */

@@ -89,7 +89,7 @@ std::map<std::string, std::string> WrittenFiles() {
     task->CompleteBy = project.Created + 14.25;
     test.SaveAs("out\\shop.pwp");
     UpdateProjectMergeVariables(test.context);
-    EXPECT_TRUE(UpdateMergeVariablesInClosedPages(test.context, PagesToUpdate::All).empty());
+    EXPECT_TRUE(UpdateMergeVariablesInPages(test.context).notUpdated.empty());
     test.SaveAs("out\\shop.pwp");
     const auto published = PublishAsHTML(test.context, test.folder.Path("out\\site"));
     EXPECT_TRUE(published.published) << published.reason;

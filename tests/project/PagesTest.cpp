@@ -218,6 +218,16 @@ TEST(Pages, TakeMarkupAtTheirEnd) {
         EXPECT_THAT(test.Text(page->Filename), testing::HasSubstr("<p>text</p><hr></body>"));
     }
     EXPECT_FALSE(InsertHTMLAtBottom(test.context, "W0001P0099", "<hr>"));
+    for (Page* page : {closed, open}) {
+        const std::string before = test.Text(page->Filename);
+        for (const char* lost :
+             {"", "</body>", "<td>x", "<!-- x", "<body class=x>x", "<frameset><frame></frameset>"})
+            EXPECT_FALSE(InsertHTMLAtBottom(test.context, page->Key(), lost)) << lost;
+        EXPECT_EQ(test.Text(page->Filename), before);
+        for (const char* kept :
+             {"<p>unclosed", "<table><tr><td>x</table>", "a &lt; b", "<script>f()", "<!-- x -->"})
+            EXPECT_TRUE(InsertHTMLAtBottom(test.context, page->Key(), kept)) << kept;
+    }
 }
 
 TEST(Pages, NumberTheirFiles) {

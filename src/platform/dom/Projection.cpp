@@ -9,6 +9,7 @@
 
 #include "platform/Text.h"
 #include "platform/dom/Nesting.h"
+#include "platform/dom/Units.h"
 #include "platform/dom/ViewBatch.h"
 
 namespace pw::dom {
@@ -535,8 +536,10 @@ Projection::Result Projection::applyBatch(std::string_view json) {
         batch.plan(lookup);
         if (!impl.due.empty()) impl.mergeUnseen(batch);
         impl.keepAroundBody(batch);
+        UnitGuard units(impl.document, batch);
         batch.apply();
         if (!impl.due.selection) batch.applySelection(lookup);
+        units.mend();
         // The view is told of what is mended as of any other change.
         Document::OriginScope ours(impl.document, Origin::Program);
         mendNesting(impl.document, batch.placed);

@@ -7,6 +7,7 @@
 #include "platform/dom/FlatText.h"
 #include "platform/dom/StartTag.h"
 #include "platform/dom/Tags.h"
+#include "platform/dom/Units.h"
 
 namespace pw::dom {
 
@@ -17,6 +18,16 @@ bool isTablePart(const Node& node) {
         if (node.is(tag)) return true;
     }
     return false;
+}
+
+/** A part of a table that holds cells, not content. */
+bool isTableFrame(const Node& node) {
+    return node.is("table") ||
+           (isTablePart(node) && !node.is("td") && !node.is("th") && !node.is("caption"));
+}
+
+bool isBlank(std::string_view text) {
+    return text.find_first_not_of(" \t\r\n\f") == text.npos;
 }
 
 bool isBlock(const Node& node) {
@@ -180,11 +191,7 @@ Node* splitText(Document& document, Node& text, std::size_t offset) {
     return document.splitText(text, offset);
 }
 
-namespace {
-
-/** Splits the elements around a place up to `limit` (which stays whole). Returns the child of
- *  `limit` in front of which the place then is; none: at its end. */
-Node* splitUpTo(Document& document, Position place, Node& limit) {
+Node* splitElements(Document& document, Position place, Node& limit) {
     Node* node = place.node;
     Node* next = nullptr;  // the first node behind the place, a child of `parent`
     Node* parent = nullptr;
@@ -228,6 +235,8 @@ Node* splitUpTo(Document& document, Position place, Node& limit) {
     return next;
 }
 
+namespace {
+
 /** Nothing that shows, but perhaps the break that keeps an empty line open. */
 bool holdsNothing(const Node& node) {
     const Node* child = node.firstChild();
@@ -242,10 +251,115 @@ Position behind(Node& node) {
 
 }  // namespace
 
+// --- Places for content -------------------------------------------------------------------------
+
+namespace {
+
+/** What may stand directly in elements that hold lists of others. */
+struct ListOnly {
+    std::string_view tag;
+    std::string_view items[4];
+};
+constexpr ListOnly kListOnly[] = {
+    {"table", {"caption", "thead", "tbody", "tfoot"}},
+    {"thead", {"tr"}},
+    {"tbody", {"tr"}},
+    {"tfoot", {"tr"}},
+    {"tr", {"td", "th"}},
+    {"colgroup", {"col"}},
+    {"ul", {"li", "ul", "ol"}},
+    {"ol", {"li", "ul", "ol"}},
+    {"dir", {"li"}},
+    {"menu", {"li"}},
+    {"dl", {"dt", "dd", "div"}},
+};
+
+const ListOnly* listOnly(const Node& node) {
+    for (const ListOnly& list : kListOnly)
+        if (node.is(list.tag)) return &list;
+    return nullptr;
+}
+
+bool isItemOf(const ListOnly& list, const Node& node) {
+    return node.isElement() && std::ranges::any_of(list.items, [&](auto item) {
+               return !item.empty() && node.is(item);
+           });
+}
+
+/** An element in which no content of a page can stand: it has none, or none but text that is not
+ *  the page's, or is edited as one. */
+bool isClosed(const Node& node) {
+    static constexpr std::string_view kObjects[] = {
+        "applet",   "audio",  "canvas",   "datalist", "frame", "frameset", "object", "option",
+        "optgroup", "select", "textarea", "title",    "video", "math",     "svg"};
+    return node.isElement() &&
+           (isVoid(node) || holdsRawText(node) || isUnit(node) ||
+            std::ranges::any_of(kObjects, [&](auto tag) { return node.is(tag); }));
+}
+
+/** The first of these below a node, in document order. */
+Node* firstItem(Node& list) {
+    for (Node* node = list.following(&list); node; node = node->following(&list)) {
+        if (node->is("td") || node->is("th") || node->is("li") || node->is("dd") ||
+            node->is("dt") || node->is("caption"))
+            return node;
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+Position placeForContent(Document& document, Position place, const std::vector<Node*>& nodes) {
+    if (!place.node) return place;
+    // 1. Out of what is closed, whichever of the elements around it that is.
+    Node* closed = nullptr;
+    for (Node* node = place.node; node; node = node->parent())
+        if (isClosed(*node)) closed = node;
+    if (closed && closed->parent()) place = {closed->parent(), closed->index() + 1};
+    // 2. Into the page, where the place is beside it.
+    Node* body = document.body();
+    if (body && !body->contains(*place.node)) {
+        const bool isInFront = comparePositions(place, {body, 0}) < 0;
+        place = {body, isInFront ? 0 : body->children().size()};
+    }
+    // 3. Into an item of the list that it is in, or behind a list without any.
+    for (const ListOnly* list = listOnly(*place.node); list; list = listOnly(*place.node)) {
+        const auto belongs = [&](const Node* node) {
+            return isItemOf(*list, *node) || node->isComment() ||
+                   (node->isText() && isBlank(node->data()));
+        };
+        if (!nodes.empty() && std::ranges::all_of(nodes, belongs)) break;
+        Node* at = place.node->firstChild();
+        for (std::size_t i = 0; at && i < place.offset; ++i)
+            at = at->next();
+        while (at && !isItemOf(*list, *at))
+            at = at->next();
+        const bool isBehind = !at;
+        for (at = at ? at : place.node->lastChild(); at && !isItemOf(*list, *at);)
+            at = at->previous();
+        Node* item = at ? (listOnly(*at) ? firstItem(*at) : at) : nullptr;
+        if (!item) {
+            place = {place.node->parent(), place.node->index() + 1};
+        } else {
+            place = {item, isBehind ? item->children().size() : 0};
+        }
+    }
+    return place;
+}
+
+bool isNoContent(const Position& begin, const Position& end) {
+    if (!begin.node || !end.node) return false;
+    const Node& element = begin.node->isText() ? *begin.node->parent() : *begin.node;
+    const bool isOfObject =
+        begin.node->isText() ? holdsRawText(element) : isClosed(element) || isTableFrame(element);
+    return isOfObject && element.contains(*end.node);
+}
+
 Position insertNodesAt(Document& document, Position place, const std::vector<Node*>& nodes) {
     if (nodes.empty() || !place.node) return place;
     place = withinBody(document, place);
     Document::Step step(document);
+    place = placeForContent(document, place, nodes);
     Node* block = blockAround(place.node);
     const bool blocks =
         std::any_of(nodes.begin(), nodes.end(), [](const Node* node) { return isBlock(*node); });
@@ -253,14 +367,14 @@ Position insertNodesAt(Document& document, Position place, const std::vector<Nod
         Node* container = place.node->isText() ? place.node->parent() : place.node;
         // Blocks leave the formatting that the place is in: a paragraph within bold is none.
         if (blocks && block) container = block;
-        Node* next = splitUpTo(document, place, *container);
+        Node* next = splitElements(document, place, *container);
         for (Node* node : nodes)
             document.insertNode(*container, *node, next);
         return behind(*nodes.back());
     }
     // Text in front of the first block and behind the last stays in the halves of the paragraph.
     Node* above = block->parent();
-    Node* next = splitUpTo(document, place, *above);
+    Node* next = splitElements(document, place, *above);
     Node* tail = next && next != block && next->previous() == block ? next : nullptr;
     Node* head = next == block ? nullptr : block;
     if (next == block) tail = block;

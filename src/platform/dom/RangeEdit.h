@@ -18,12 +18,25 @@ Position withinBody(const Document& document, Position place);
  *  one, the cells of a table stay. Returns where the caret then belongs. */
 Position deleteRange(Document& document, Position a, Position b);
 
+/** True for a range that is all that an object holds, with no text of the page in it: what makes up
+ * a list box, a script, the rows of a table. */
+bool isNoContent(const Position& begin, const Position& end);
+
+/** Where content can stand that is meant for this place: behind an element that has no content or
+ *  none of the page's, in an item of a list or a cell of a table unless the nodes are such items
+ *  themselves, and in the body. */
+Position placeForContent(Document& document, Position place, const std::vector<Node*>& nodes = {});
+
 /** Takes out a text without a character, and the formatting around it that holds nothing else.
  *  Returns the place where they stood. */
 Position removeEmptied(Document& document, Node& text);
 
-/** Inserts nodes that are not in the tree. Text goes into the paragraph, blocks split it. Returns
- *  the place behind them. */
+/** Splits the elements around a place up to `limit`, which stays whole. Returns the child of
+ * `limit` in front of which the place then is; none: at its end. */
+Node* splitElements(Document& document, Position place, Node& limit);
+
+/** Inserts nodes that are not in the tree, at the place for them. Text goes into the paragraph,
+ * blocks split it. Returns the place behind them. */
 Position insertNodesAt(Document& document, Position place, const std::vector<Node*>& nodes);
 
 /** The markup of what stands between two places, cut elements included. */

@@ -162,7 +162,7 @@ std::string TextRange::htmlText() const {
 }
 
 void TextRange::setText(std::string_view text) {
-    if (!start_.node) return;
+    if (!start_.node || isNoContent(start_, end_)) return;
     Document::Step step(*document_);
     const bool oneLine = text.find_first_of("\r\n") == text.npos;
     if (start_.node->isText() && oneLine) {
@@ -247,11 +247,19 @@ void TextRange::pasteHTML(std::string_view html) {
     const bool selected = selection.type == SelectionType::Text &&
                           ((selection.anchor == start_ && selection.focus == end_) ||
                            (selection.anchor == end_ && selection.focus == start_));
-    const Node* element = start_.node->isElement() ? start_.node : start_.node->parent();
-    const std::string context = element && element->isElement() ? element->localName() : "body";
-    const std::vector<Node*> nodes = document_->parseFragment(html, context);
+    const auto parsedFor = [&](const Position& place) {
+        const Node* element = place.node->isElement() ? place.node : place.node->parent();
+        return document_->parseFragment(
+            html, element && element->isElement() ? element->localName() : "body");
+    };
     Document::Step step(*document_);
-    const Position place = collapsed() ? start_ : deleteRange(*document_, start_, end_);
+    const bool deletes = !collapsed() && !isNoContent(start_, end_);
+    Position place = deletes ? deleteRange(*document_, start_, end_) : start_;
+    std::vector<Node*> nodes = parsedFor(place);
+    if (const Position better = placeForContent(*document_, place, nodes); better != place) {
+        place = better;
+        nodes = parsedFor(place);
+    }
     start_ = end_ = insertNodesAt(*document_, place, nodes);
     if (selected) document_->collapse(end_);
 }

@@ -26,8 +26,10 @@ class TextRange {
     /** Replaces what it holds by plain text, in the formatting that the range begins in; formatting
      *  that holds nothing any more goes. One undo step. The range then holds the new text. */
     void setText(std::string_view text);
-    /** Replaces what it holds by markup; one undo step. The range ends behind the new content, and
-     *  so does the selection when it was this range. */
+    /** Replaces what it holds by markup; one undo step. Where no content of the page can stand, as
+     * in a script, a list box or between the rows of a table, nothing is replaced, and the markup
+     * goes to the nearest place for it. The range ends behind the new content, and so does the
+     * selection when it was this range. */
     void pasteHTML(std::string_view html);
     /** As setText for each of these, which are of one document, apart and in its order; one undo
      *  step. */

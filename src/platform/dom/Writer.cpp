@@ -117,6 +117,10 @@ void Writer::writeStart(const Node& node) {
     }
 }
 
+bool Writer::hasEndTag(const Node& node) {
+    return !node.clone_ && (!node.sourced_ || !node.end_.empty());
+}
+
 void Writer::writeEnd(const Node& node) {
     if (node.sourced_) writeLead(node.endLead_);
     if (node.sourced_ && !node.end_.empty()) {

@@ -15,6 +15,10 @@ class Writer {
     std::string outer(const Node& node);
     std::string inner(const Node& node);
 
+    /** True when the element's end tag stands in the text that was read, or will be written; false
+     *  where the parser has closed the element for want of one. */
+    static bool hasEndTag(const Node& node);
+
   private:
     enum class Visit { Descend, Skip };
     void writeBelow(const Node& top);

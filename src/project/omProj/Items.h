@@ -94,6 +94,8 @@ struct MergeVariable {
     std::string Type = "C";  ///< "S" standard, "C" custom
     std::string Name;
     std::string Value;
+    /** What it was in this run of the program, the latest last: pages may still show these. */
+    std::vector<std::string> Former;
 };
 class MergeVariables : public ItemList<MergeVariable> {};
 

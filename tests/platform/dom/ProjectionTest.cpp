@@ -4,6 +4,7 @@
 
 #include <deque>
 
+#include "platform/Text.h"
 #include "platform/dom/ViewStandIn.h"
 
 namespace pw::dom {
@@ -143,6 +144,78 @@ TEST(ProjectionTest, BatchesChangeOnlyWhatTheyName) {
         EXPECT_EQ(pair.document->html(), page);
         pair.settle();
         EXPECT_EQ(pair.view.tree(), pair.programTree());
+    }
+}
+
+// What the browser does to merge variables in spite of all is mended with its batch.
+TEST(ProjectionTest, VariablesStayWhole) {
+    struct Row {
+        const char* name;
+        const char* kind;
+        void (*act)(ViewStandIn&);
+        const char* expected;
+    };
+    using View = ViewStandIn;
+    const auto unit = [](const std::string& text) {
+        return "<a type=omMerge name=V>" + text + "</a>";
+    };
+    const Row rows[] = {
+        {"typed behind it", "t", [](View& v) { v.write(v.text("Val"), "Val is"); }, "a[Val] isb"},
+        {"typed in front of it", "t", [](View& v) { v.write(v.text("Val"), "theVal"); },
+         "athe[Val]b"},
+        {"typed at both ends", "t", [](View& v) { v.write(v.text("Val"), "xValy"); }, "ax[Val]yb"},
+        {"typed within it", "t", [](View& v) { v.write(v.text("Val"), "Vxal"); }, "a[Val]xb"},
+        {"a part of it deleted", "d", [](View& v) { v.write(v.text("Val"), "Va"); }, "ab"},
+        {"a part of it replaced", "t", [](View& v) { v.write(v.text("Val"), "Vix"); }, "aixb"},
+        {"all of it replaced", "t", [](View& v) { v.write(v.text("Val"), "new"); }, "anewb"},
+        {"a break put into it", "p", [](View& v) { v.insert(v.find("a"), v.make(1, "br"), 1); },
+         "a[Val]<br>b"},
+        {"typed in formatting of its own", "t",
+         [](View& v) {
+             v.insert(v.find("a"), v.make(1, "i"), 1);
+             v.insert(v.find("i"), v.make(3, "x"), 0);
+         },
+         "a[Val]xb"},
+        {"copied for a new paragraph", "p",
+         [](View& v) {
+             View::Item* copy = v.make(1, "a");
+             v.set(copy, "type", "omMerge");
+             v.set(copy, "name", "V");
+             v.insert(v.find("p"), copy, 9);
+             v.insert(copy, v.make(1, "br"), 0);
+         },
+         "a[Val]b<br>"},
+        {"put into another place", "d",
+         [](View& v) {
+             View::Item* copy = v.make(1, "a");
+             v.set(copy, "type", "omMerge");
+             v.set(copy, "name", "V");
+             v.remove(v.find("a"));
+             v.insert(v.find("p"), copy, 0);
+         },
+         "<a name=\"V\" type=\"omMerge\"></a>ab"},
+        {"formatted within", "c",
+         [](View& v) {
+             View::Item* bold = v.make(1, "b");
+             v.insert(v.find("a"), bold, 0);
+             v.insert(bold, v.text("Val"), 0);
+         },
+         "a<b>[Val]</b>b"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const std::string page = "<html><body><p>a" + unit("Val") + "b</p></body></html>";
+        Pair pair(page);
+        pair.kind = row.kind;
+        row.act(pair.view);
+        pair.settle();
+        const std::string expected =
+            ReplaceAll(ReplaceAll(row.expected, "[", "<a type=omMerge name=V>"), "]", "</a>");
+        EXPECT_EQ(pair.body(), "<p>" + expected + "</p>");
+        EXPECT_EQ(pair.view.tree(), pair.programTree());
+        EXPECT_TRUE(pair.document->undo());
+        EXPECT_FALSE(pair.document->canUndo()) << "the mending belongs to the edit";
+        EXPECT_EQ(pair.document->html(), page);
     }
 }
 

@@ -33,7 +33,7 @@ const QString& EditorPage::scriptText() {
     static const QString source = [] {
         loadEditorScripts();
         QString text;
-        for (const char* name : {"editor.js", "input.js", "chrome.js"}) {
+        for (const char* name : {"editor.js", "units.js", "input.js", "chrome.js"}) {
             QFile file(QStringLiteral(":/editor/") + QLatin1String(name));
             if (!file.open(QIODevice::ReadOnly)) qFatal("The editor's script %s is missing", name);
             text += QString::fromUtf8(file.readAll());

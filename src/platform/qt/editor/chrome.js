@@ -383,6 +383,7 @@
       sheets.push(sheet);
     };
     add(BASE);
+    sheets.push(pw.units.sheet);
     if (plain) add(PLAIN);
     if (settings.borders) add(BORDERS);
     if (settings.tags) add(markSheet());

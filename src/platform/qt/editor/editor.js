@@ -344,12 +344,8 @@ const pw = (function () {
       return;
     }
     call('applied', seen);
-    if (message.sel) {
-      select(message.sel);
-      lastSelection = JSON.stringify(selection());
-    } else {
-      flush();
-    }
+    if (message.sel && select(message.sel)) lastSelection = JSON.stringify(selection());
+    else flush();
     for (const listener of pwListeners.changed) listener();
     stateStale = true;
   }
@@ -402,12 +398,16 @@ const pw = (function () {
     parents.clear(); removed.clear(); attributes.clear(); texts.clear();
     observe();
     seen = message.m;
-    if (message.sel) select(message.sel);
+    const isAsSent = !message.sel || select(message.sel);
     // To ask the engine for a selection is to have the page laid out, and here there is none.
     const isBlank = !message.sel || message.sel[0] === 0;
     lastSelection = JSON.stringify(isBlank ? [0] : selection());
     reportState(!isBlank);
     call('applied', seen);
+    if (!isAsSent) {
+      lastSelection = '';
+      flush();
+    }
   }
 
   // --- Selection --------------------------------------------------------------------------------
@@ -455,8 +455,10 @@ const pw = (function () {
     if (document.body instanceof HTMLBodyElement) document.body.focus({preventScroll: true});
   }
 
+  // False when it became another one, which the program has yet to be told.
   function select(wanted) {
     control = null;
+    let isAsSent = true;
     const s = getSelection();
     if (wanted[0] === 2) {
       const node = nodeOf.get(wanted[1]);
@@ -465,12 +467,14 @@ const pw = (function () {
       const anchor = pointOf(wanted[1], wanted[2]), focus = pointOf(wanted[3], wanted[4]);
       if (anchor && focus) {
         s.setBaseAndExtent(...anchor, ...focus);
+        isAsSent = !api.units.leave();
         focusPage();
       }
     } else {
       s.removeAllRanges();
     }
     for (const listener of pwListeners.selected) listener();
+    return isAsSent;
   }
 
   function selectObject(node) {
@@ -553,7 +557,7 @@ const pw = (function () {
     let done = false;
     api.executing = true;
     try {
-      done = document.execCommand(command, false, argument);
+      done = api.units.execute(command, argument);
     } catch (error) {
       done = false;
     }

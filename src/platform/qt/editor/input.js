@@ -16,6 +16,7 @@
     }
     // Formatting by a key of the engine's own would come twice: the program knows these keys too.
     if (/^format/.test(e.inputType) && !pw.executing) e.preventDefault();
+    pw.units.beforeInput(e);
   });
 
   on('input', e => {
@@ -24,6 +25,7 @@
     // Dragging text deletes it in one place and inserts it in another: that is one change. So is
     // a command, however many events the engine makes of it.
     if (type === 'deleteByDrag' || pw.executing) return;
+    pw.units.close();
     pw.flush(found ? found[1] : 'c');
   });
 
@@ -46,6 +48,7 @@
 
   on('keydown', e => {
     finishKey();
+    pw.units.keyDown(e);
     const inserts = e.key.length === 1 || e.key === 'Enter';
     if (inserts && !e.ctrlKey && !e.altKey && !e.metaKey) unfinished = true;
     else pw.countKey();
@@ -141,6 +144,7 @@
     const target = object || e.target;
     pw.later(() => {
       if (object && object.isConnected && e.button === 0) pw.selectObject(object);
+      pw.units.leave();
       pw.flush();
       pw.reportState();
       pw.call('mouse', 'up', known(target));
@@ -185,6 +189,7 @@
   function caretAt(x, y) {
     const range = document.caretRangeFromPoint(x, y);
     if (range) getSelection().collapse(range.startContainer, range.startOffset);
+    pw.units.leave();
     pw.focusPage();
     pw.flush();
   }
