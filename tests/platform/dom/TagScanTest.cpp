@@ -54,9 +54,10 @@ TEST(TagScan, TakesTimeInProportionWhateverThePageIs) {
         std::string page;
         while (page.size() < 400'000)
             page += piece;
+        page += "><a href=1>";
         for (const TagsFrom where : {TagsFrom::Markup, TagsFrom::Anywhere}) {
             const test::CpuTimer timer;
-            TagScan scan(page + "><a href=1>", where);
+            TagScan scan(page, where);
             while (const auto tag = scan.next()) {
                 EXPECT_FALSE(tag->attribute("nosuch"));
                 (void)tag->attributes();
