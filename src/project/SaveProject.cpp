@@ -222,8 +222,7 @@ bool SaveProjectAs(ProjectContext& context) {
 
 std::vector<std::string> RefreshVariables(ProjectContext& context) {
     UpdateProjectMergeVariables(context);
-    UpdateMergeVariablesInOpenPages(context);
-    return UpdateMergeVariablesInClosedPages(context, PagesToUpdate::ClosedOnly);
+    return UpdateMergeVariablesInPages(context).notUpdated;
 }
 
 bool UpdateOpenPageProperties(ProjectContext& context, std::string* unwritten) {
