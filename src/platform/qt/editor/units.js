@@ -125,10 +125,12 @@
   }
 
   function prepareTyping(e, s) {
+    // In a text there is a caret, and nearly all that is typed goes there.
+    if (!e.data || s.focusNode.nodeType === 3 && s.focusNode.data) return;
     const [inFront, next] = around(s);
     const isLost = isUnit(next) && (isBreak(inFront) || !next.firstChild) ||
                    isUnit(inFront) && !inFront.firstChild;
-    if (!isLost || !e.data || s.focusNode.nodeType === 3 && s.focusNode.data) return;
+    if (!isLost) return;
     take(e, 't', () => {
       const text = document.createTextNode(e.data);
       const unit = isUnit(next) ? next : inFront;
