@@ -110,9 +110,8 @@ int main() {
 
         Require(pw::SetCustomVariable(context, "Slogan", "slogan " + number).empty(), "");
         variable.push_back(Seconds([&] {
-            const auto left =
-                pw::UpdateMergeVariablesInClosedPages(context, pw::PagesToUpdate::All);
-            Require(left.empty(), "The variable could not be written.");
+            const auto update = pw::UpdateMergeVariablesInPages(context);
+            Require(update.notUpdated.empty(), "The variable could not be written.");
         }));
         variableRival.push_back(Seconds([&] {
             Shell(PerlOver(copy, "s/(name=\"Slogan\">)[^<]*/$1slogan " + number + "/gi"));
