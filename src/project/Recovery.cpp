@@ -12,6 +12,7 @@
 #include "project/PageCleaning.h"
 #include "project/Pages.h"
 #include "project/ProjectLocking.h"
+#include "project/RemovedFiles.h"
 #include "project/Scratch.h"
 #include "project/Workspace.h"
 #include "project/frmRecover.h"
@@ -72,11 +73,21 @@ void VisitAttachments(Project& project, Visit visit) {
         visit(attachment.Filename());
 }
 
+/** A program that was killed while it removed a page has moved the page's files aside already: the
+ *  page is still there. */
+std::string MovedAside(const FileSystem& files, const Project& project, const std::string& file) {
+    const std::string& root = project.WorkingFolder;
+    if (!file.starts_with(root + "\\")) return {};
+    return FindMovedAside(files, GetParentFolder(root), file.substr(root.size() + 1));
+}
+
 /** The pages of which something is there to be recovered. */
 int CountPagesThere(const FileSystem& files, const Project& project) {
     int count = 0;
-    for (const PageIndexEntry& entry : project.PageIndex())
-        count += FileExists(files, entry.Item->Filename) ? 1 : 0;
+    for (const PageIndexEntry& entry : project.PageIndex()) {
+        const std::string& file = entry.Item->Filename;
+        if (FileExists(files, file) || !MovedAside(files, project, file).empty()) ++count;
+    }
     return count;
 }
 
@@ -102,7 +113,7 @@ class Completion {
         std::vector<std::string> lostPages;
         for (const PageIndexEntry& entry : context_.project.PageIndex()) {
             const Page& page = *entry.Item;
-            if (FileExists(files_, page.Filename)) continue;
+            if (IsThere(page.Filename)) continue;
             // By its key: it may have got another name since.
             const Page* former = Saved().FindPage(entry.Key());
             const bool filled = former && Take(former->Filename, page.Filename);
@@ -112,7 +123,7 @@ class Completion {
         for (const std::string& key : lostPages)
             RemoveProjectItem(context_, key);
         VisitAttachments(context_.project, [&](const std::string& file) {
-            if (file.empty() || FileExists(files_, file)) return;
+            if (file.empty() || IsThere(file)) return;
             const std::string& root = context_.project.WorkingFolder;
             const bool below = file.starts_with(root + "\\");
             const std::string name = below ? file.substr(root.size() + 1) : file;
@@ -134,6 +145,12 @@ class Completion {
     }
 
   private:
+    bool IsThere(const std::string& file) {
+        if (FileExists(files_, file)) return true;
+        const std::string aside = MovedAside(files_, context_.project, file);
+        return !aside.empty() && MakeFolder(files_, GetParentFolder(file)) &&
+               files_.Rename(aside, file) == FileError::None;
+    }
     /** Unpacked when it is needed first; empty when there is none that can be read. */
     Project& Saved() {
         if (loaded_) return saved_;

@@ -10,14 +10,16 @@ namespace pw {
 
 namespace {
 
-/** The next removal's own folder, which is not there yet. */
-std::string NextFolder(const ProjectContext& context) {
-    const std::string all = BuildPath(context.frame.settings.WorkingFolder, "removed");
-    // Past removals are numbered without gaps, so the first free number is found by halving.
+std::string FolderOfRemovals(const std::string& workingFolder) {
+    return BuildPath(workingFolder, "removed");
+}
+
+/** Of removals so far. They are numbered without gaps, so the last is found by halving. */
+int CountRemovals(const FileSystem& files, const std::string& all) {
     int taken = 0;
     int step = 1;
     const auto isTaken = [&](int number) {
-        return context.frame.files.Stat(BuildPath(all, std::to_string(number))).exists;
+        return files.Stat(BuildPath(all, std::to_string(number))).exists;
     };
     while (isTaken(taken + step)) {
         taken += step;
@@ -25,7 +27,7 @@ std::string NextFolder(const ProjectContext& context) {
     }
     for (; step > 0; step /= 2)
         if (isTaken(taken + step)) taken += step;
-    return BuildPath(all, std::to_string(taken + 1));
+    return taken;
 }
 
 }  // namespace
@@ -33,7 +35,8 @@ std::string NextFolder(const ProjectContext& context) {
 Outcome<std::string> MoveAside(ProjectContext& context, const std::vector<std::string>& paths) {
     FileSystem& files = context.frame.files;
     const std::string& root = context.frame.settings.PreviewFolder;
-    const std::string aside = NextFolder(context);
+    const std::string all = FolderOfRemovals(context.frame.settings.WorkingFolder);
+    const std::string aside = BuildPath(all, std::to_string(CountRemovals(files, all) + 1));
     std::vector<std::pair<std::string, std::string>> moved;
     for (const std::string& path : paths) {
         if (path.size() <= root.size() + 1 || !IsInFolder(path, root) || !files.Stat(path).exists ||
@@ -53,6 +56,16 @@ Outcome<std::string> MoveAside(ProjectContext& context, const std::vector<std::s
                        Describe(error) + ". Please see that the disk is not full and try again."};
     }
     return moved.empty() ? std::string() : aside;
+}
+
+std::string FindMovedAside(const FileSystem& files, const std::string& workingFolder,
+                           const std::string& relativePath) {
+    const std::string all = FolderOfRemovals(workingFolder);
+    for (int number = CountRemovals(files, all); number > 0; --number) {
+        const std::string path = BuildPath(BuildPath(all, std::to_string(number)), relativePath);
+        if (FileExists(files, path)) return path;
+    }
+    return {};
 }
 
 }  // namespace pw

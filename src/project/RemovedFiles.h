@@ -15,4 +15,10 @@ namespace pw {
  *  passed over. Returns the folder that holds them, "" when there was nothing to move. */
 Outcome<std::string> MoveAside(ProjectContext& context, const std::vector<std::string>& paths);
 
+/** Where the file lies that was moved aside last from that place below the preview folder; "" when
+ *  there is none. `workingFolder` is the scratch root. For a program that was killed before it had
+ *  noted a removal. */
+std::string FindMovedAside(const FileSystem& files, const std::string& workingFolder,
+                           const std::string& relativePath);
+
 }  // namespace pw

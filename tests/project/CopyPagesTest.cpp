@@ -25,7 +25,7 @@ struct CopiedPages : testing::Test {
 };
 
 TEST_F(CopiedPages, KeepNameLinksAndFilesWhenCutAndPasted) {
-    test.folder.Put("source\\a.gif", "GIF");
+    test.folder.Put("source\\a.gif", "GIF89a");
     Folder* folder = AddFolder(test.context, {}, {"Docs"});
     Page* home = test.Insert("home", "<a href=About.html>x</a>");
     Page* page = test.Insert("about", "<img src=a.gif><a href=media/list.pdf>x</a>");

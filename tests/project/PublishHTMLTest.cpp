@@ -49,7 +49,7 @@ TEST(PublishAsHTML, CopiesTheSiteAndNothingElse) {
 TEST(PublishAsHTML, LeavesOutWhatNoPageRefersToAnyMore) {
     TestProject test;
     test.project.Name = "Shop";
-    test.folder.Put("source\\gone.gif", "GIF");
+    test.folder.Put("source\\gone.gif", "GIF89a");
     test.Insert("index", "<a type=omMerge name='Project Pages'>7</a>");
     const std::string open = test.Insert("open", "<p>x</p>", {}, ShowInsertedPage::Yes)->Key();
     const std::string removed = test.Insert("removed", "<img src=gone.gif>")->Key();

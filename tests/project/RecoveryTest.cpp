@@ -215,8 +215,8 @@ TEST(Recovery, TakesWhatIsGoneFromTheSavedProjectAndNamesIt) {
         EXPECT_EQ(test.frame.settings.ProjectFilename, file);
         if (const Page* page = test.project.FindPage("W0001P0001")) {
             EXPECT_THAT(test.Text(page->Filename), testing::HasSubstr("<img"));
+            EXPECT_EQ(test.Text(test.frame.settings.MediaFolder + "\\a.gif"), "GIF89a");
         }
-        EXPECT_EQ(test.Text(test.frame.settings.MediaFolder + "\\a.gif"), "GIF89a");
         EXPECT_FALSE(test.files->Stat(BuildPath(test.run->Path(), "~pwsaved")).exists);
         EXPECT_TRUE(FindRecoverable(test.frame).empty());
         test.SaveAs("again.pwp");
