@@ -2,11 +2,17 @@
 // the keyboard, keep it, and publish it.
 #include <gtest/gtest.h>
 
+#include "gui/EditorFixture.h"
 #include "gui/ShownProgram.h"
 #include "mainwindow/Explorers.h"
+#include "platform/Text.h"
+#include "platform/dom/TextRange.h"
 #include "project/AddFiles.h"
+#include "project/InsertPage.h"
+#include "project/MergeVariables.h"
 #include "project/Pages.h"
 #include "support/LinkCheck.h"
+#include "support/MarkupSelection.h"
 
 namespace pw {
 namespace {
@@ -163,6 +169,151 @@ TEST_F(WholeJobTest, ASiteGoesInIsEditedKeptAndComesOut) {
         }
     }
     EXPECT_GT(followed, 10000);
+}
+
+/** What is typed, and where: at the caret of a block that stands by itself. */
+constexpr const char* kBlocks[] = {
+    "<p>|[V] b</p>",
+    "<p>a[V]|b</p>",
+    "<p>a [V]|</p>",
+    "<p>a|[V]b</p>",
+    "<p>[V]|[V]</p>",
+    "<p>[V]|</p>",
+    "<p>|[V]</p>",
+    "<p>a[]|b</p>",
+    "<p>a<b>[V]|</b>c</p>",
+    "<h2>[V]|</h2>",
+    "<ul><li>a</li><li>|[V]</li></ul>",
+    "<p>|<a href=\"x.htm\">link</a></p>",
+    "<p>a<a href=\"x.htm\">li|nk</a>b</p>",
+    "<p>a<a href=\"x.htm\">link</a>|b</p>",
+    "<p>a|<img src=\"x.gif\" width=\"9\" height=\"9\">b</p>",
+    "<p>a<img src=\"x.gif\" width=\"9\" height=\"9\">|</p>",
+    "<table border=\"1\"><tbody><tr><td>|a</td><td>b</td></tr></tbody></table>",
+    "<table border=\"1\"><tbody><tr><td>a|</td><td>[V]</td></tr></tbody></table>",
+    "<table border=\"1\"><tbody><tr><td>a</td><td>[V]|</td></tr></tbody></table>",
+    "<table border=\"1\"><tbody><tr><td>|</td></tr></tbody></table>",
+    "<blockquote>a|b</blockquote>",
+};
+
+/** Types into a page at each boundary of what it holds, and opens it once more. */
+class BoundariesTest : public WholeJobTest {
+  protected:
+    enum class Kind { Ordinary, Frames };
+
+    std::string Markup(const std::string& block) {
+        const std::string start = "<a type=\"omMerge\" name=\"Project Name\">";
+        return ReplaceAll(ReplaceAll(ReplaceAll(block, "[V]", start + Name() + "</a>"), "[]",
+                                     "<a type=\"omMerge\" name=\"Company Fax\"></a>"),
+                          "|", "");
+    }
+    std::string& Name() { return shown.program->TheProject().Name; }
+    ProjectContext& Context() { return shown.Main().Context().project; }
+
+    /** Blocks with a paragraph between them, so that what is done to one leaves the next alone. */
+    void Insert(Kind kind) {
+        std::string body;
+        for (const char* block : kBlocks)
+            body += Markup(block) + "<p>---</p>";
+        const std::string head = "<html><head><title>t</title></head>";
+        InsertPageRequest request;
+        request.sourceFile = outer.folder.Put(
+            kind == Kind::Ordinary ? "page.htm" : "frames.htm",
+            kind == Kind::Ordinary
+                ? head + "<body><p>---</p>" + body + "</body></html>"
+                : head +
+                      "<frameset cols=\"*,*\"><frame src=\"a.htm\"><frame src=\"b.htm\">"
+                      "<noframes><body><p>---</p>" +
+                      body + "</body></noframes></frameset></html>");
+        request.show = ShowInsertedPage::Yes;
+        const Page* page = InsertPage(Context(), request);
+        ASSERT_TRUE(page);
+        key_ = page->Key();
+        shown.Settle();
+        ASSERT_EQ(shown.Page().PageKey(), key_);
+    }
+    /** The caret of a block, in the page: blocks are found by the paragraphs between them. */
+    dom::Position Place(std::size_t index) {
+        const auto marked = dom::Document::parseText(
+            "<body>" + ReplaceAll(Markup(ReplaceAll(kBlocks[index], "|", "\x01")), "\x01", "|"));
+        const auto path = test::detail::findMark(*marked->body(), '|');
+        dom::Node* at = spacers_.at(index)->next();
+        for (std::size_t i = 1; i < path.indexes.size(); ++i)
+            at = at->children().at(path.indexes[i]);
+        return {at, path.offset};
+    }
+    static std::string Token(std::size_t index) { return "q" + std::to_string(index) + "z"; }
+    static int Count(const std::string& text, const std::string& what) {
+        int count = 0;
+        for (std::size_t at = text.find(what); at != text.npos; at = text.find(what, at + 1))
+            ++count;
+        return count;
+    }
+    /** What was typed is there, once, and the page is what its own text says. */
+    void Check(const char* when) {
+        shown.Page().WaitUntilReady();
+        const dom::Document& document = shown.Document();
+        const std::string text = dom::TextRange(shown.Document()).text();
+        for (std::size_t i = 0; i < std::size(kBlocks); ++i)
+            EXPECT_EQ(Count(text, Token(i)), 1) << when << ": " << kBlocks[i];
+        const auto again = dom::Document::parseText(document.html());
+        EXPECT_EQ(again->innerHTML(*again->body()), document.innerHTML(*document.body())) << when;
+        EXPECT_EQ(test::EditorFixture::tree(*again->root()),
+                  test::EditorFixture::tree(*document.root()))
+            << when;
+    }
+
+    std::string key_;
+    std::vector<dom::Node*> spacers_;
+};
+
+TEST_F(BoundariesTest, WhatIsTypedIsThereOnce) {
+    shown.Press(kNewProject);
+    Name() = "Shop";
+    UpdateProjectMergeVariables(Context());
+    constexpr const char* kActions[] = {"type", "Enter", "Backspace", "Delete", "Tab", "paste"};
+    for (const Kind kind : {Kind::Ordinary, Kind::Frames}) {
+        for (const std::string action : kActions) {
+            SCOPED_TRACE(action + (kind == Kind::Frames ? " in a frame page" : ""));
+            Insert(kind);
+            dom::Document& document = shown.Document();
+            spacers_.clear();
+            for (dom::Node* paragraph : document.tags("p"))
+                if (document.innerText(*paragraph) == "---") spacers_.push_back(paragraph);
+            ASSERT_EQ(spacers_.size(), std::size(kBlocks) + 1);
+            shown.View().SetFocus();
+            for (std::size_t i = 0; i < std::size(kBlocks); ++i) {
+                document.collapse(Place(i));
+                shown.Page().WaitUntilReady();
+                if (action == "paste") {
+                    shown.clipboard.Set(Token(i), "");
+                    shown.Page().docDHTMLEditor.ExecCommand(DECMD_PASTE);
+                } else {
+                    if (action == "Enter") QTest::keyClick(shown.Keyboard(), Qt::Key_Return);
+                    if (action == "Backspace") QTest::keyClick(shown.Keyboard(), Qt::Key_Backspace);
+                    if (action == "Delete") QTest::keyClick(shown.Keyboard(), Qt::Key_Delete);
+                    if (action == "Tab") QTest::keyClick(shown.Keyboard(), Qt::Key_Tab);
+                    QTest::keyClicks(shown.Keyboard(), QString::fromStdString(Token(i)));
+                }
+                shown.Page().WaitUntilReady();
+            }
+            Check("typed");
+            shown.Page().CloseWindow();
+            shown.Settle();
+            shown.PressNode(key_);
+            ASSERT_EQ(shown.Page().PageKey(), key_);
+            Check("opened again");
+            // A new value of the variable takes nothing of it away, open or closed.
+            Name() += "s";
+            UpdateProjectMergeVariables(Context());
+            UpdateMergeVariablesInAllPages(Context(), "Merge Variables");
+            Check("with a new value");
+            EXPECT_EQ(Count(shown.Document().html(), ">" + Name() + "</a>"),
+                      Count(shown.Document().html(), "\"Project Name\""));
+            shown.Page().CloseWindow();
+            shown.Settle();
+        }
+    }
 }
 
 }  // namespace
