@@ -402,5 +402,63 @@ TEST_F(EditorViewTest, CaptureWritesAPicture) {
     EXPECT_GT(QImage(path).width(), 100);
 }
 
+TEST_F(EditorViewTest, AListMadeOfAParagraphIsMendedInTheSameStep) {
+    open("<!DOCTYPE html><html><body><p>One</p><p align=center>Two</p></body></html>");
+    caretBehind("One");
+    view.Execute("insertUnorderedList", "");
+    view.Flush();
+    EXPECT_EQ(
+        document->html(),
+        "<!DOCTYPE html><html><body><ul><li>One</li></ul><p align=center>Two</p></body></html>");
+    EXPECT_EQ(viewTree(), documentTree());
+    type("!");
+    EXPECT_NE(document->html().find("<li>One!</li>"), std::string::npos);
+    document->undo();
+    document->undo();
+    EXPECT_EQ(document->html(), loaded);
+}
+
+TEST_F(EditorViewTest, WhatStandsAroundTheBodyIsOutOfReach) {
+    const std::string front =
+        "<!DOCTYPE html><html><head><title>t</title></head>"
+        "<!-- <frameset><frame><!-- <noframes> -->";
+    const std::string behind = "<!-- </noframes> --><!-- end </frameset> --></html>";
+    open(front + "<body><p>One</p><p>Two</p></body>" + behind);
+    const auto holds = [&](const char* after) {
+        view.Flush();
+        EXPECT_EQ(viewTree(), documentTree()) << after;
+        EXPECT_TRUE(document->html().starts_with(front)) << after << document->html();
+        EXPECT_TRUE(document->html().ends_with(behind)) << after << document->html();
+    };
+    const auto key = [&](Qt::Key pressed, Qt::KeyboardModifiers with = {}) {
+        QTest::keyClick(keyboard(), pressed, with);
+        view.Flush();
+    };
+    caretBehind("One");
+    for (const char* command : {"selectAll", "delete", "selectAll", "insertText", "selectAll",
+                                "insertHTML", "selectAll", "insertUnorderedList"}) {
+        view.Execute(command, "<p>new</p>");
+        holds(command);
+    }
+    for (int round = 0; round < 3; ++round) {
+        key(Qt::Key_A, Qt::ControlModifier);
+        key(Qt::Key_Backspace);
+        key(Qt::Key_Backspace);
+        key(Qt::Key_Delete);
+        key(Qt::Key_Return);
+        type("x");
+        holds("keys");
+    }
+    document->setSelection({dom::SelectionType::Text,
+                            {document->root(), 0},
+                            {document->documentElement(), 5},
+                            nullptr});
+    document->deleteSelection();
+    holds("deleteSelection");
+    while (document->undo())
+        holds("undo");
+    EXPECT_EQ(document->html(), loaded);
+}
+
 }  // namespace
 }  // namespace pw

@@ -5,6 +5,7 @@
 #include <random>
 
 #include "EditorFixture.h"
+#include "platform/dom/NormalTree.h"
 #include "platform/editor/LayerCommands.h"
 #include "platform/editor/TableCommands.h"
 
@@ -178,6 +179,11 @@ class EditorWalkTest : public EditorFixture {
             const std::string name = step();
             view.Flush();
             ASSERT_EQ(viewTree(), documentTree()) << "step " << done << ": " << name;
+            // What the program itself is told to do may be anything; what the view does is mended.
+            const auto again = dom::Document::parseText(document->html());
+            ASSERT_EQ(test::NormalTree(*document), test::NormalTree(*again))
+                << "step " << done << ": " << name << "\n"
+                << document->html();
         }
         RecordProperty("steps", done);
         while (document->undo()) {

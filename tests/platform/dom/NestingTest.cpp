@@ -74,8 +74,7 @@ TEST(NestingTest, WhatIsMendedReadsBackAsItIs) {
          "<form>a<div>b</div></form><button>c</button><button>d</button>"},
         {"a selection field", "<select[<option[a<b[c]<option[d]]]",
          "<select><option>ac</option><option>d</option></select>"},
-        {"rows and cells where none can be", "<p[<td[a]]<div[<tr[<td[b]]]",
-         "<p>a</p><div>b</div>"},
+        {"rows and cells where none can be", "<p[<td[a]]<div[<tr[<td[b]]]", "<p>a</p><div>b</div>"},
         {"cells without a row", "<table[<td[a]<td[b]]",
          "<table><tbody><tr><td>a</td><td>b</td></tr></tbody></table>"},
         {"text and a list in a table", "<table[a<tbody[<tr[<ul[<li[b]]<td[c]]]]",
@@ -116,7 +115,7 @@ class ViewWalk : public testing::TestWithParam<const char*> {
     std::size_t Pick(std::size_t count) { return random_() % count; }
 
     void Step(View& view) {
-        static constexpr const char* kTags[] = {"ul", "li", "p",  "h2", "b",   "a",      "div",
+        static constexpr const char* kTags[] = {"ul", "li", "p",     "h2",   "b",      "a",   "div",
                                                 "td", "tr", "table", "form", "button", "nobr"};
         std::vector<View::Item*> items = view.below(view.find("body"));
         std::vector<View::Item*> elements;
@@ -170,7 +169,9 @@ INSTANTIATE_TEST_SUITE_P(
     Nesting, ViewWalk,
     testing::Values("<!DOCTYPE html><html><body><p>a<b>c</b>d</p><ul><li>e</li><li>f</li></ul>"
                     "<table><tbody><tr><td>g</td><td><p>h</p></td></tr></tbody></table>"
-                    "<h1>i<a href=x>j</a></h1></body></html>"));
+                    "<h1>i<a href=x>j</a></h1></body></html>",
+                    "<!DOCTYPE html><BODY bgcolor=x><P>a<B>c</B>d<P>e<UL><LI>f<LI>g</UL>"
+                    "<TABLE><tr><td>h<td>i</TABLE><A href=j>k</A> l"));
 
 }  // namespace
 }  // namespace pw::dom
