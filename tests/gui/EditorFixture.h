@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "gui/PageScript.h"
+#include "platform/Text.h"
 #include "platform/qt/editor/EditorView.h"
 
 namespace pw::test {
@@ -102,6 +103,11 @@ class EditorFixture : public testing::Test {
         for (const dom::Node* child = node.firstChild(); child; child = child->next())
             text += tree(*child);
         return node.isElement() ? text + "</>" : text;
+    }
+
+    /** As a parser sees it, to which texts beside each other are one. */
+    static std::string parsedTree(const dom::Node& node) {
+        return ReplaceAll(tree(node), "\"\"", "");
     }
 
   protected:

@@ -412,7 +412,7 @@ TEST_F(EditorViewTest, AListMadeOfAParagraphIsMendedInTheSameStep) {
         "<!DOCTYPE html><html><body><ul><li>One</li></ul><p align=center>Two</p></body></html>");
     EXPECT_EQ(viewTree(), documentTree());
     type("!");
-    EXPECT_NE(document->html().find("<li>One!</li>"), std::string::npos);
+    EXPECT_NE(document->html().find("<li>One!</li>"), std::string::npos) << document->html();
     document->undo();
     document->undo();
     EXPECT_EQ(document->html(), loaded);

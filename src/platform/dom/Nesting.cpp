@@ -306,7 +306,9 @@ void mendNesting(Document& document, const std::vector<Node*>& placed) {
     after.control = document.isConnected(before.control) ? before.control : nullptr;
     after.anchor = kept(document, before.anchor, after.anchor);
     after.focus = kept(document, before.focus, after.focus);
-    if (after != document.selection()) document.setSelection(after);
+    // Also told where it is the same: the view has lost it with the nodes that were moved.
+    document.setSelection({});
+    document.setSelection(after);
 }
 
 }  // namespace pw::dom

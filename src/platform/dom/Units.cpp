@@ -103,6 +103,10 @@ UnitGuard::UnitGuard(Document& document, const ViewBatch& batch) : document_(doc
         touch(unitAround(change.node));
     for (const ViewBatch::List& list : batch.lists)
         touch(unitAround(list.parent));
+    for (const ViewBatch::AttributeChange& change : batch.attributes)
+        if (isUnit(*change.element) && EqualsNoCase(change.name, "style") && change.value &&
+            change.value->empty() && !change.element->hasAttribute("style"))
+            unstyled_.push_back(change.element);
     if (batch.kind() != StepKind::Command) findCopies(batch);
 }
 
@@ -139,8 +143,10 @@ bool UnitGuard::isCopy(const Node& anchor) const {
 }
 
 void UnitGuard::mend() {
-    if (touched_.empty() && newAnchors_.empty()) return;
+    if (touched_.empty() && newAnchors_.empty() && unstyled_.empty()) return;
     const Document::OriginScope program(document_, Origin::Program);
+    for (Node* unit : unstyled_)
+        document_.setAttribute(*unit, "style", std::nullopt);
     for (const Touched& touched : touched_) {
         if (!document_.isConnected(touched.unit)) continue;
         if (textOf(*touched.unit) != touched.text) mendText(touched);

@@ -41,6 +41,7 @@ class UnitGuard {
 
     Document& document_;
     std::vector<Touched> touched_;
+    std::vector<Node*> unstyled_;  ///< that have been left with an empty style
     std::vector<Node*> newAnchors_;
     std::vector<std::string> going_;  ///< names of the units that leave their places
 };

@@ -551,13 +551,28 @@ const pw = (function () {
     call('synced', token, keysSeen);
   }
 
+  // The engine takes the caret to the start of the text that it makes an item of, which may be a new
+  // node. It stays where the user had it.
+  function keepCaret(command) {
+    const s = getSelection();
+    if (!/List$/.test(command) || !s.isCollapsed || !s.focusNode || s.focusNode.nodeType !== 3)
+      return () => {};
+    const text = s.focusNode.data, offset = s.focusOffset;
+    return () => {
+      const node = s.focusNode;
+      if (node && node.nodeType === 3 && node.data === text) s.collapse(node, offset);
+    };
+  }
+
   function execute(token, command, argument) {
     flush();
     const object = control;
+    const putBack = keepCaret(command);
     let done = false;
     api.executing = true;
     try {
       done = api.units.execute(command, argument);
+      putBack();
     } catch (error) {
       done = false;
     }
