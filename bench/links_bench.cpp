@@ -35,8 +35,8 @@ std::string Html(int page, std::mt19937& random) {
     if (isSpecial) {
         html += std::string("<p><a href=\"") + (page < kPages / kFolders ? "" : "../") +
                 "target.htm\">The target</a></p>\n";
-        html += std::string("<p style=\"background: url(") + (page < kPages / kFolders ? "" : "../") +
-                "section1/media/a.gif)\"></p>\n";
+        html += std::string("<p style=\"background: url(") +
+                (page < kPages / kFolders ? "" : "../") + "section1/media/a.gif)\"></p>\n";
         html += "<p><A type=omMerge name=\"Slogan\">slogan 0</A></p>\n";
     }
     int paragraph = 0;
@@ -81,7 +81,8 @@ int main() {
 
     pw::Folder* folder = context.project.WebSites().Item(1)->Sections().Item(1);
     std::string folderName = folder->Name;
-    std::vector<double> rename, renameRival, move, moveRival, variable, variableRival, list, listRival;
+    std::vector<double> rename, renameRival, move, moveRival, variable, variableRival, list,
+        listRival;
     std::string name = "target";
     for (int round = 1; round <= kRounds; ++round) {
         const std::string number = std::to_string(round);

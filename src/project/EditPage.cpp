@@ -19,9 +19,8 @@ std::string CanNotBeChanged(const Page& page, const std::string& why) {
 /** True when the document differs from what it was. */
 bool RunStep(dom::Document& document, PageStep step, const PageEdit& edit) {
     const auto before = document.revision();
-    const dom::Document::Step scope(document, step == PageStep::OfTheUser
-                                                  ? dom::StepKind::Command
-                                                  : dom::StepKind::Upkeep);
+    const dom::Document::Step scope(
+        document, step == PageStep::OfTheUser ? dom::StepKind::Command : dom::StepKind::Upkeep);
     edit(document);
     return document.revision() != before;
 }
@@ -53,13 +52,14 @@ Outcome<bool> EditClosed(ProjectContext& context, Page& page, PageStep step, con
     auto document = dom::Document::parse(bytes, &error);
     const bool isMasked = page.PageType == PageType::Frames;
     if (document && isMasked)
-        document = dom::Document::parseText(CommentFrameset(document->html()),
-                                            document->encoding(), &error);
+        document = dom::Document::parseText(CommentFrameset(document->html()), document->encoding(),
+                                            &error);
     if (!document) return Problem{CanNotBeChanged(page, error.message)};
     if (!RunStep(*document, step, edit)) return false;
     const FileError written = files.Write(
-        page.Filename, isMasked ? dom::encode(UncommentFrameset(document->html()), document->encoding())
-                                : document->bytes());
+        page.Filename, isMasked
+                           ? dom::encode(UncommentFrameset(document->html()), document->encoding())
+                           : document->bytes());
     if (written != FileError::None) return Problem{CanNotBeChanged(page, Describe(written))};
     page.Title = document->title();
     MarkChanged(context, page);

@@ -25,11 +25,11 @@ using PageEdit = std::function<void(dom::Document&)>;
 using PageLook = std::function<bool(std::string_view text)>;
 
 /**
- * Runs `edit` on the page: on the document of its window, as one step; or on its file, which is read,
- * parsed, edited and written in its encoding when something changed. The frameset of a frame page is
- * masked in both, as in the window. Marks page and project as changed and the journal as behind.
- * True when the page was changed; a problem names the page, which is then as it was. A missing file
- * is no problem: nothing is changed.
+ * Runs `edit` on the page: on the document of its window, as one step; or on its file, which is
+ * read, parsed, edited and written in its encoding when something changed. The frameset of a frame
+ * page is masked in both, as in the window. Marks page and project as changed and the journal as
+ * behind. True when the page was changed; a problem names the page, which is then as it was. A
+ * missing file is no problem: nothing is changed.
  */
 Outcome<bool> EditPage(ProjectContext& context, Page& page, PageStep step, const PageEdit& edit,
                        const PageLook& mayConcern = {});

@@ -27,7 +27,8 @@ bool IsLinkAttribute(std::string_view tag, std::string_view name);
 void ForEachLink(std::string_view html, const std::function<void(const std::string&)>& visit);
 
 /** Rewrites the links of a parsed page that stand in elements: `rewrite` answers the new value of a
- *  local reference, or none. Elements that `skip` names are passed over, and pages in attributes. */
+ *  local reference, or none. Elements that `skip` names are passed over, and pages in attributes.
+ */
 void RewriteLinkAttributes(
     dom::Document& document,
     const std::function<std::optional<std::string>(const std::string&)>& rewrite,

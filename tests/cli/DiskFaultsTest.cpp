@@ -31,8 +31,7 @@ struct Error {
 };
 constexpr unsigned kChanges = test::kCreate | test::kWrite | test::kTruncate | test::kRename;
 const Error kErrors[] = {
-    {"EIO", EIO,
-     test::kOpen | kChanges | test::kRead | test::kSync | test::kClose | test::kRemove},
+    {"EIO", EIO, test::kOpen | kChanges | test::kRead | test::kSync | test::kClose | test::kRemove},
     {"ENOSPC", ENOSPC, kChanges | test::kSync | test::kClose},
     {"EDQUOT", EDQUOT, kChanges | test::kClose},
     {"EROFS", EROFS, test::kCreate | test::kRename | test::kRemove | test::kTruncate},
@@ -92,15 +91,14 @@ class DiskFaults : public testing::TestWithParam<Job> {
         const std::string path = folder.Native("order");
         const int file = ::open(path.c_str(), O_RDWR | O_CREAT, 0600);
         EXPECT_EQ(::ftruncate(file, sizeof(FaultOrder)), 0);
-        order = static_cast<FaultOrder*>(::mmap(nullptr, sizeof(FaultOrder), PROT_READ | PROT_WRITE,
-                                                MAP_SHARED, file, 0));
+        order = static_cast<FaultOrder*>(
+            ::mmap(nullptr, sizeof(FaultOrder), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
         ::close(file);
         folder.Put("in\\page.htm", "<title>Page</title><img src=p.gif><a href=sub/b.htm>b</a>");
         folder.Put("in\\p.gif", "GIF89a" + std::string(20'000, 'p'));
         folder.Put("in\\sub\\b.htm", "<title>B</title><a href=../page.htm>back</a>");
-        folder.Put("first\\index.htm",
-                   "<title>Home</title><a href=two.htm>two</a><img src=a.gif>" +
-                       std::string(30'000, 'x'));
+        folder.Put("first\\index.htm", "<title>Home</title><a href=two.htm>two</a><img src=a.gif>" +
+                                           std::string(30'000, 'x'));
         folder.Put("first\\two.htm",
                    "<title>Two</title><a href=index.htm>home</a>"
                    "<a name=pw_mv_Town title=Town>Bern</a>");
@@ -126,8 +124,7 @@ class DiskFaults : public testing::TestWithParam<Job> {
         const pid_t child = ::fork();
         if (child == 0) {
             std::vector<char*> arguments = {const_cast<char*>(PAGEWICK_CLI),
-                                            const_cast<char*>("--profile"),
-                                            const_cast<char*>("")};
+                                            const_cast<char*>("--profile"), const_cast<char*>("")};
             const std::string profile = folder.Native("profile");
             arguments[2] = const_cast<char*>(profile.c_str());
             for (std::string& word : words)
@@ -176,14 +173,15 @@ class DiskFaults : public testing::TestWithParam<Job> {
     /** One run; what it leaves is checked. */
     void Check(rlim_t limit = 0) {
         const Answer run = Start(GetParam().words, limit);
-        ASSERT_TRUE(WIFEXITED(run.status))
-            << "died of signal " << WTERMSIG(run.status) << "\n" << run.output;
+        ASSERT_TRUE(WIFEXITED(run.status)) << "died of signal " << WTERMSIG(run.status) << "\n"
+                                           << run.output;
         // 1. Nothing lies beside the project but what the program speaks of.
         for (const auto& entry : fs::directory_iterator(folder.Native("home"))) {
             const std::string name = entry.path().filename();
             if (name != "site.pwp") {
                 EXPECT_NE(run.output.find(name), std::string::npos)
-                    << name << " was left without a word\n" << run.output;
+                    << name << " was left without a word\n"
+                    << run.output;
             }
         }
         // 2. The old project or the new one, and the answer says which.
@@ -192,7 +190,8 @@ class DiskFaults : public testing::TestWithParam<Job> {
         if (state != oldState && !GetParam().parts.empty()) {
             for (const std::string& part : GetParam().parts) {
                 // What only a page that could not come needs has no business here either.
-                const bool isNeeded = IsPageFilename(part) || state.find("src=media/p.gif") != state.npos;
+                const bool isNeeded =
+                    IsPageFilename(part) || state.find("src=media/p.gif") != state.npos;
                 EXPECT_TRUE(!isNeeded || state.find("/" + part + "\n") != state.npos ||
                             state.find("\n" + part + "\n") != state.npos ||
                             run.output.find(part) != run.output.npos)

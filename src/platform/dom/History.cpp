@@ -61,8 +61,7 @@ void History::endStep() {
 }
 
 bool History::mergesIntoLast(const Step& step) const {
-    if (undo_.empty() || !redo_.empty() || step.kind == StepKind::Command ||
-        step.isUpkeep())
+    if (undo_.empty() || !redo_.empty() || step.kind == StepKind::Command || step.isUpkeep())
         return false;
     const Step& last = undo_.back();
     return !last.sealed && last.kind == step.kind && last.after == step.before &&

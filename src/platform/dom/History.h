@@ -2,10 +2,10 @@
 // The undo and redo of one page. A step holds the primitives that were applied, and the selection
 // before and after; it is undone whole.
 //
-// Steps of upkeep stand among those of the user and are passed over together with them: an undo takes
-// back the upkeep that lies upon the user's last step, then that step, and has the page brought up to
-// date anew. Upkeep that is made while something can be redone belongs to that state of the page
-// alone: it is `loose`, and goes before the next undo or redo.
+// Steps of upkeep stand among those of the user and are passed over together with them: an undo
+// takes back the upkeep that lies upon the user's last step, then that step, and has the page
+// brought up to date anew. Upkeep that is made while something can be redone belongs to that state
+// of the page alone: it is `loose`, and goes before the next undo or redo.
 #include <cstdint>
 #include <deque>
 #include <functional>

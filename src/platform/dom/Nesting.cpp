@@ -63,12 +63,9 @@ bool stopsAtMarker(const Node& node) {
 }
 
 const Ended kEnded[] = {
-    {{}, {"p"}, stopsAtScopeOrButton},
-    {{"a"}, {"a"}, stopsAtMarker},
-    {{"nobr"}, {"nobr"}, isScope},
-    {{"button"}, {"button"}, isScope},
-    {{"li"}, {"li"}, endsSearchForItem},
-    {{"dt", "dd"}, {"dt", "dd"}, endsSearchForItem},
+    {{}, {"p"}, stopsAtScopeOrButton},   {{"a"}, {"a"}, stopsAtMarker},
+    {{"nobr"}, {"nobr"}, isScope},       {{"button"}, {"button"}, isScope},
+    {{"li"}, {"li"}, endsSearchForItem}, {{"dt", "dd"}, {"dt", "dd"}, endsSearchForItem},
 };
 
 /** An element that a start tag of these names ends only when it stands directly in it. */
@@ -177,8 +174,8 @@ class Mender {
 
     Node* endedBy(const Node& node) const {
         for (const Ended& row : kEnded) {
-            const bool starts = row.starts.size() == 0 ? endsParagraph(document_, node)
-                                                       : isAmong(node, row.starts);
+            const bool starts =
+                row.starts.size() == 0 ? endsParagraph(document_, node) : isAmong(node, row.starts);
             if (!starts) continue;
             for (Node* at = node.parentElement(); at; at = at->parentElement()) {
                 if (isAmong(*at, row.open)) return at;
@@ -226,8 +223,8 @@ class Mender {
         return true;
     }
 
-    /** Takes the node out of `top`, which is split around it; the formatting in between stays around
-     *  each of the parts. */
+    /** Takes the node out of `top`, which is split around it; the formatting in between stays
+     * around each of the parts. */
     bool lift(Node& node, Node& top) {
         Node* part = &node;
         for (;;) {

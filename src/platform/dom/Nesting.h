@@ -1,7 +1,7 @@
 #pragma once
 // Which elements may stand within which. The view lets its commands build what no text of a page
-// stands for ("<p><ul>"): read again it would be another tree. What they have built is mended here as
-// an editor would do it: the paragraph is split around the list.
+// stands for ("<p><ul>"): read again it would be another tree. What they have built is mended here
+// as an editor would do it: the paragraph is split around the list.
 #include <vector>
 
 #include "platform/dom/Document.h"

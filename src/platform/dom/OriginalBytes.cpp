@@ -82,7 +82,8 @@ class OriginalBytes::Reader {
   private:
     /** Bytes of the next character or shift, decoded; 0 for an error. */
     std::size_t step() {
-        for (std::size_t length = 1; length <= std::min(kLongestCharacter, rest_.size()); ++length) {
+        for (std::size_t length = 1; length <= std::min(kLongestCharacter, rest_.size());
+             ++length) {
             char* from = const_cast<char*>(rest_.data());
             std::size_t left = length;
             char buffer[64];

@@ -13,12 +13,13 @@ namespace pw::dom {
 
 class OriginalBytes {
   public:
-    /** None where nothing is known of how the bytes stand for the text, which `decode` has read from
-     *  them. */
+    /** None where nothing is known of how the bytes stand for the text, which `decode` has read
+     * from them. */
     static std::shared_ptr<const OriginalBytes> of(std::string_view bytes, const Decoded& decoded);
 
     /** The text in the encoding of the file. Each stretch of it that stood in the file, in the same
-     *  order, keeps its bytes; in between the encoding's shifts are set as each of them needs it. */
+     *  order, keeps its bytes; in between the encoding's shifts are set as each of them needs it.
+     */
     std::string encode(std::string_view text) const;
 
   private:
